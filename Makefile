@@ -1,0 +1,47 @@
+# The two commands of the README. Both install what is missing on a Debian 12
+# machine first, then configure and build into build/.
+PACKAGES := cmake g++ make qtbase5-dev
+JOBS     ?= $(shell nproc)
+SUDO     := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
+CONFIG   := share/config
+
+.PHONY: all deps build build-asan demo test test-plain test-asan bench clean
+
+all: build
+
+deps:
+	@missing=""; for p in $(PACKAGES); do \
+	    dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q 'ok installed' || missing="$$missing $$p"; \
+	done; \
+	if [ -n "$$missing" ]; then \
+	    echo "installing:$$missing"; \
+	    $(SUDO) apt-get update && DEBIAN_FRONTEND=noninteractive $(SUDO) apt-get install -y $$missing; \
+	fi
+
+build: deps
+	cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build build -j $(JOBS)
+
+build-asan: deps
+	cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DLCD_SANITIZE=ON
+	cmake --build build-asan -j $(JOBS)
+
+demo: build
+	./build/tools/lcdcfg check --config $(CONFIG)
+
+test-plain: build
+	cd build && ctest --output-on-failure -j $(JOBS)
+
+test-asan: build-asan
+	cd build-asan && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
+	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp \
+	    ctest --output-on-failure -j $(JOBS)
+
+test: test-plain test-asan
+
+bench: build
+	./build/bench/bench_load $(CONFIG)
+
+clean:
+	rm -rf build build-asan

@@ -1,0 +1,290 @@
+#include "common/document.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QXmlStreamReader>
+
+#include <cstring>
+
+namespace LCD {
+namespace ConfigModel {
+
+namespace {
+
+const char kOpenFailed[] = "Fail to open file [%1]!";
+const char kParseError[] = "Parse error at line %1, column %2:\n%3";
+const char kDeviceRootMismatch[] = "The file is not a valid configuration file for device.";
+const char kDeviceVersionMismatch[] = "The file is not a valid configuration file of version 1.0 for device.";
+const char kUiRootMismatch[] = "This file is not a valid configuration file.";
+const char kUiVersionMismatch[] = "This file is not a valid configuration file of version 1.0 .";
+const char kPathWithName[] = "Invalid file path!\n%1";
+const char kPathPlain[] = "Invalid file path!";
+
+QString nestingMessage()
+{
+    return QStringLiteral("element nesting is deeper than %1 levels; the file is rejected")
+        .arg(kMaxDocumentDepth);
+}
+
+// Start of a line and its 1-based number for a byte offset, counted only when
+// a violation is reported.
+NestingViolation positionOf(const char* begin, const char* at)
+{
+    NestingViolation where;
+    where.line = 1;
+    const char* lineStart = begin;
+    for (const char* p = begin; p < at; ++p) {
+        if (*p == '\n') {
+            ++where.line;
+            lineStart = p + 1;
+        }
+    }
+    int column = 1;
+    for (const char* p = lineStart; p < at; ++p) {
+        if ((static_cast<unsigned char>(*p) & 0xC0) != 0x80) // count characters, not UTF-8 bytes
+            ++column;
+    }
+    where.column = column;
+    return where;
+}
+
+const char* find(const char* from, const char* end, const char* what)
+{
+    const size_t n = std::strlen(what);
+    while (from < end) {
+        const void* hit = std::memchr(from, what[0], static_cast<size_t>(end - from));
+        if (!hit)
+            return end;
+        const char* p = static_cast<const char*>(hit);
+        if (static_cast<size_t>(end - p) < n)
+            return end;
+        if (std::memcmp(p, what, n) == 0)
+            return p + n;
+        from = p + 1;
+    }
+    return end;
+}
+
+// Past the '>' that closes a tag, skipping quoted attribute values.
+const char* skipTag(const char* p, const char* end, bool* selfClosing)
+{
+    char previous = 0;
+    while (p < end) {
+        const char c = *p;
+        if (c == '"' || c == '\'') {
+            const void* close = std::memchr(p + 1, c, static_cast<size_t>(end - p - 1));
+            if (!close)
+                return end;
+            p = static_cast<const char*>(close) + 1;
+            previous = c;
+            continue;
+        }
+        if (c == '>') {
+            *selfClosing = previous == '/';
+            return p + 1;
+        }
+        previous = c;
+        ++p;
+    }
+    return end;
+}
+
+// Past a <!DOCTYPE ...> declaration, internal subset and quoted texts included.
+const char* skipDoctype(const char* p, const char* end)
+{
+    int brackets = 0;
+    while (p < end) {
+        const char c = *p;
+        if (c == '"' || c == '\'') {
+            const void* close = std::memchr(p + 1, c, static_cast<size_t>(end - p - 1));
+            p = close ? static_cast<const char*>(close) + 1 : end;
+            continue;
+        }
+        if (c == '[')
+            ++brackets;
+        else if (c == ']')
+            --brackets;
+        else if (c == '>' && brackets <= 0)
+            return p + 1;
+        ++p;
+    }
+    return end;
+}
+
+// Encodings that are not ASCII-compatible (UTF-16, UTF-32) are measured with
+// the stream reader; they are rare in description files.
+bool asciiCompatible(const QByteArray& data)
+{
+    if (data.size() < 2)
+        return true;
+    const unsigned char a = static_cast<unsigned char>(data[0]);
+    const unsigned char b = static_cast<unsigned char>(data[1]);
+    if ((a == 0xFE && b == 0xFF) || (a == 0xFF && b == 0xFE) || a == 0 || b == 0)
+        return false;
+    return true;
+}
+
+bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* where)
+{
+    QXmlStreamReader reader(data);
+    int depth = 0;
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            if (++depth > maxDepth) {
+                if (where) {
+                    where->line = static_cast<int>(reader.lineNumber());
+                    where->column = static_cast<int>(reader.columnNumber());
+                }
+                return false;
+            }
+            break;
+        case QXmlStreamReader::EndElement:
+            --depth;
+            break;
+        default:
+            break;
+        }
+    }
+    return true; // malformed input is left for the DOM parser to report
+}
+
+} // namespace
+
+const DocumentFamily kDeviceFile{"Vrn", kPathWithName, kDeviceRootMismatch, kDeviceVersionMismatch, true, false};
+const DocumentFamily kMenuFile{"LCD", kPathWithName, kDeviceRootMismatch, kDeviceVersionMismatch, false, false};
+const DocumentFamily kUiFile{"LCD", kPathPlain, kUiRootMismatch, kUiVersionMismatch, false, true};
+const DocumentFamily kHdrFile{"Kalmir", kPathPlain, kUiRootMismatch, kUiVersionMismatch, false, true};
+
+QString Loader::text(const char* source) const
+{
+    if (family.translated && trContext)
+        return QCoreApplication::translate(trContext, source);
+    return QString::fromUtf8(source);
+}
+
+QString Loader::invalidNode(const QString& tag) const
+{
+    return text("Invalid [%1] node.").arg(tag);
+}
+
+bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where)
+{
+    if (!asciiCompatible(data))
+        return checkNestingStream(data, maxDepth, where);
+
+    const char* const begin = data.constData();
+    const char* const end = begin + data.size();
+    const char* p = begin;
+    int depth = 0;
+    while (p < end) {
+        const void* hit = std::memchr(p, '<', static_cast<size_t>(end - p));
+        if (!hit)
+            break;
+        const char* const tag = static_cast<const char*>(hit);
+        p = tag + 1;
+        if (p >= end)
+            break;
+        switch (*p) {
+        case '?': // processing instruction or XML declaration
+            p = find(p, end, "?>");
+            break;
+        case '!':
+            if (end - p >= 3 && p[1] == '-' && p[2] == '-')
+                p = find(p + 3, end, "-->");
+            else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0)
+                p = find(p + 8, end, "]]>");
+            else
+                p = skipDoctype(p, end);
+            break;
+        case '/':
+            --depth;
+            p = static_cast<const char*>(std::memchr(p, '>', static_cast<size_t>(end - p)));
+            p = p ? p + 1 : end;
+            break;
+        default: {
+            if (++depth > maxDepth) {
+                if (where)
+                    *where = positionOf(begin, tag);
+                return false;
+            }
+            bool selfClosing = false;
+            p = skipTag(p, end, &selfClosing);
+            if (selfClosing)
+                --depth;
+            break;
+        }
+        }
+    }
+    return true;
+}
+
+bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error)
+{
+    NestingViolation where;
+    if (!checkNesting(data, kMaxDocumentDepth, &where)) {
+        error = loader.text(kParseError).arg(QString::number(where.line), QString::number(where.column), nestingMessage());
+        return false;
+    }
+    QString message;
+    int line = 0;
+    int column = 0;
+    if (!doc.setContent(data, true, &message, &line, &column)) {
+        error = loader.text(kParseError).arg(QString::number(line), QString::number(column), message);
+        return false;
+    }
+    return true;
+}
+
+bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& doc, QString& error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (loader.family.debugOnOpenFailure)
+            QMessageLogger(loader.site.file, loader.site.line, loader.site.function).debug().noquote()
+                << "open file:" << path << " error code:" << file.error();
+        error = loader.text(kOpenFailed).arg(path);
+        return false;
+    }
+    return parseDocumentData(file.readAll(), loader, doc, error);
+}
+
+bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& error)
+{
+    const QDomElement root = doc.documentElement();
+    if (root.tagName() != QLatin1String(loader.family.root)) {
+        error = loader.text(loader.family.rootMismatch);
+        return false;
+    }
+    const QString version = QStringLiteral("version");
+    if (root.hasAttribute(version) && root.attribute(version) != QLatin1String("1.0")) {
+        error = loader.text(loader.family.versionMismatch);
+        return false;
+    }
+    return true;
+}
+
+bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, QString& error)
+{
+    if (path.isEmpty()) {
+        const QString text = loader.text(loader.family.pathEmpty);
+        error = text.contains(QLatin1String("%1")) ? text.arg(path) : text;
+        return false;
+    }
+    return parseDocumentFile(path, loader, doc, error) && checkDocumentRoot(doc, loader, error);
+}
+
+bool prepareDirectory(const QString& path, const Loader& loader, QString& error)
+{
+    if (path.isEmpty() || (!QDir(path).exists() && !QDir().mkpath(path)) || !QFileInfo(path).isDir()) {
+        error = loader.text(kPathWithName).arg(path);
+        return false;
+    }
+    return true;
+}
+
+} // namespace ConfigModel
+} // namespace LCD

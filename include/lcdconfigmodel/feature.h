@@ -1,0 +1,5 @@
+#pragma once
+
+// Records of the device feature file.
+
+#include "lcdconfigmodel/values.h"

@@ -1,0 +1,5 @@
+#pragma once
+
+// Records of the device layer file.
+
+#include "lcdconfigmodel/values.h"

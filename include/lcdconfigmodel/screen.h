@@ -1,0 +1,5 @@
+#pragma once
+
+// Records of the device screen file.
+
+#include "lcdconfigmodel/values.h"

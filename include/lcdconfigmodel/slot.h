@@ -1,0 +1,5 @@
+#pragma once
+
+// Records of the device slot file.
+
+#include "lcdconfigmodel/values.h"

@@ -1,0 +1,19 @@
+#include "ui/menuconfig.h"
+
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::MenuConfigManager, "tavio.lcd.configmodel.menuconfigmanager")
+
+namespace LCD {
+namespace ConfigModel {
+
+MenuConfigInterface::~MenuConfigInterface() = default;
+
+MenuConfigManager::MenuConfigManager() = default;
+MenuConfigManager::~MenuConfigManager() = default;
+
+bool MenuConfigManager::readMenuItems(const QString&, QString&)
+{
+    return true;
+}
+
+} // namespace ConfigModel
+} // namespace LCD
