@@ -5,7 +5,6 @@ KVC_REGISTER_COMPONENT(LCD::ConfigModel::ConnectorConfigManager, "tavio.lcd.conf
 namespace LCD {
 namespace ConfigModel {
 
-ConnectorConfigInterface::~ConnectorConfigInterface() = default;
 
 ConnectorConfigManager::ConnectorConfigManager() = default;
 ConnectorConfigManager::~ConnectorConfigManager() = default;

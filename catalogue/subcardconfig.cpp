@@ -5,7 +5,6 @@ KVC_REGISTER_COMPONENT(LCD::ConfigModel::SubcardConfigManager, "tavio.lcd.config
 namespace LCD {
 namespace ConfigModel {
 
-SubcardConfigInterface::~SubcardConfigInterface() = default;
 
 SubcardConfigManager::SubcardConfigManager() = default;
 SubcardConfigManager::~SubcardConfigManager() = default;

@@ -23,16 +23,14 @@ const char kUiVersionMismatch[] = "This file is not a valid configuration file o
 const char kPathWithName[] = "Invalid file path!\n%1";
 const char kPathPlain[] = "Invalid file path!";
 
-QString nestingMessage()
-{
+QString nestingMessage() {
     return QStringLiteral("element nesting is deeper than %1 levels; the file is rejected")
         .arg(kMaxDocumentDepth);
 }
 
 // Start of a line and its 1-based number for a byte offset, counted only when
 // a violation is reported.
-NestingViolation positionOf(const char* begin, const char* at)
-{
+NestingViolation positionOf(const char* begin, const char* at) {
     NestingViolation where;
     where.line = 1;
     const char* lineStart = begin;
@@ -51,33 +49,27 @@ NestingViolation positionOf(const char* begin, const char* at)
     return where;
 }
 
-const char* find(const char* from, const char* end, const char* what)
-{
+const char* find(const char* from, const char* end, const char* what) {
     const size_t n = std::strlen(what);
     while (from < end) {
         const void* hit = std::memchr(from, what[0], static_cast<size_t>(end - from));
-        if (!hit)
-            return end;
+        if (!hit) return end;
         const char* p = static_cast<const char*>(hit);
-        if (static_cast<size_t>(end - p) < n)
-            return end;
-        if (std::memcmp(p, what, n) == 0)
-            return p + n;
+        if (static_cast<size_t>(end - p) < n) return end;
+        if (std::memcmp(p, what, n) == 0) return p + n;
         from = p + 1;
     }
     return end;
 }
 
 // Past the '>' that closes a tag, skipping quoted attribute values.
-const char* skipTag(const char* p, const char* end, bool* selfClosing)
-{
+const char* skipTag(const char* p, const char* end, bool* selfClosing) {
     char previous = 0;
     while (p < end) {
         const char c = *p;
         if (c == '"' || c == '\'') {
             const void* close = std::memchr(p + 1, c, static_cast<size_t>(end - p - 1));
-            if (!close)
-                return end;
+            if (!close) return end;
             p = static_cast<const char*>(close) + 1;
             previous = c;
             continue;
@@ -93,8 +85,7 @@ const char* skipTag(const char* p, const char* end, bool* selfClosing)
 }
 
 // Past a <!DOCTYPE ...> declaration, internal subset and quoted texts included.
-const char* skipDoctype(const char* p, const char* end)
-{
+const char* skipDoctype(const char* p, const char* end) {
     int brackets = 0;
     while (p < end) {
         const char c = *p;
@@ -116,19 +107,15 @@ const char* skipDoctype(const char* p, const char* end)
 
 // Encodings that are not ASCII-compatible (UTF-16, UTF-32) are measured with
 // the stream reader; they are rare in description files.
-bool asciiCompatible(const QByteArray& data)
-{
-    if (data.size() < 2)
-        return true;
+bool asciiCompatible(const QByteArray& data) {
+    if (data.size() < 2) return true;
     const unsigned char a = static_cast<unsigned char>(data[0]);
     const unsigned char b = static_cast<unsigned char>(data[1]);
-    if ((a == 0xFE && b == 0xFF) || (a == 0xFF && b == 0xFE) || a == 0 || b == 0)
-        return false;
+    if ((a == 0xFE && b == 0xFF) || (a == 0xFF && b == 0xFE) || a == 0 || b == 0) return false;
     return true;
 }
 
-bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* where)
-{
+bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* where) {
     QXmlStreamReader reader(data);
     int depth = 0;
     while (!reader.atEnd()) {
@@ -154,27 +141,24 @@ bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* 
 
 } // namespace
 
-const DocumentFamily kDeviceFile{"Vrn", kPathWithName, kDeviceRootMismatch, kDeviceVersionMismatch, true, false};
-const DocumentFamily kMenuFile{"LCD", kPathWithName, kDeviceRootMismatch, kDeviceVersionMismatch, false, false};
+const DocumentFamily kDeviceFile{"Vrn", kPathWithName, kDeviceRootMismatch, kDeviceVersionMismatch,
+                                 true,  false};
+const DocumentFamily kMenuFile{"LCD", kPathWithName, kDeviceRootMismatch, kDeviceVersionMismatch,
+                               false, false};
 const DocumentFamily kUiFile{"LCD", kPathPlain, kUiRootMismatch, kUiVersionMismatch, false, true};
 const DocumentFamily kHdrFile{"Kalmir", kPathPlain, kUiRootMismatch, kUiVersionMismatch, false, true};
 
-QString Loader::text(const char* source) const
-{
-    if (family.translated && trContext)
-        return QCoreApplication::translate(trContext, source);
+QString Loader::text(const char* source) const {
+    if (family.translated && trContext) return QCoreApplication::translate(trContext, source);
     return QString::fromUtf8(source);
 }
 
-QString Loader::invalidNode(const QString& tag) const
-{
+QString Loader::invalidNode(const QString& tag) const {
     return text("Invalid [%1] node.").arg(tag);
 }
 
-bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where)
-{
-    if (!asciiCompatible(data))
-        return checkNestingStream(data, maxDepth, where);
+bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where) {
+    if (!asciiCompatible(data)) return checkNestingStream(data, maxDepth, where);
 
     const char* const begin = data.constData();
     const char* const end = begin + data.size();
@@ -182,12 +166,10 @@ bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where)
     int depth = 0;
     while (p < end) {
         const void* hit = std::memchr(p, '<', static_cast<size_t>(end - p));
-        if (!hit)
-            break;
+        if (!hit) break;
         const char* const tag = static_cast<const char*>(hit);
         p = tag + 1;
-        if (p >= end)
-            break;
+        if (p >= end) break;
         switch (*p) {
         case '?': // processing instruction or XML declaration
             p = find(p, end, "?>");
@@ -207,14 +189,12 @@ bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where)
             break;
         default: {
             if (++depth > maxDepth) {
-                if (where)
-                    *where = positionOf(begin, tag);
+                if (where) *where = positionOf(begin, tag);
                 return false;
             }
             bool selfClosing = false;
             p = skipTag(p, end, &selfClosing);
-            if (selfClosing)
-                --depth;
+            if (selfClosing) --depth;
             break;
         }
         }
@@ -222,11 +202,11 @@ bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where)
     return true;
 }
 
-bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error)
-{
+bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error) {
     NestingViolation where;
     if (!checkNesting(data, kMaxDocumentDepth, &where)) {
-        error = loader.text(kParseError).arg(QString::number(where.line), QString::number(where.column), nestingMessage());
+        error = loader.text(kParseError)
+                    .arg(QString::number(where.line), QString::number(where.column), nestingMessage());
         return false;
     }
     QString message;
@@ -239,8 +219,7 @@ bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocumen
     return true;
 }
 
-bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& doc, QString& error)
-{
+bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& doc, QString& error) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (loader.family.debugOnOpenFailure)
@@ -252,8 +231,7 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
     return parseDocumentData(file.readAll(), loader, doc, error);
 }
 
-bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& error)
-{
+bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& error) {
     const QDomElement root = doc.documentElement();
     if (root.tagName() != QLatin1String(loader.family.root)) {
         error = loader.text(loader.family.rootMismatch);
@@ -267,8 +245,7 @@ bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& e
     return true;
 }
 
-bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, QString& error)
-{
+bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, QString& error) {
     if (path.isEmpty()) {
         const QString text = loader.text(loader.family.pathEmpty);
         error = text.contains(QLatin1String("%1")) ? text.arg(path) : text;
@@ -277,8 +254,7 @@ bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, 
     return parseDocumentFile(path, loader, doc, error) && checkDocumentRoot(doc, loader, error);
 }
 
-bool prepareDirectory(const QString& path, const Loader& loader, QString& error)
-{
+bool prepareDirectory(const QString& path, const Loader& loader, QString& error) {
     if (path.isEmpty() || (!QDir(path).exists() && !QDir().mkpath(path)) || !QFileInfo(path).isDir()) {
         error = loader.text(kPathWithName).arg(path);
         return false;

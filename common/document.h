@@ -19,8 +19,10 @@ struct LogSite {
     int line;
     const char* function;
 };
-#define LCD_LOG_SITE                                                                                              \
-    ::LCD::ConfigModel::LogSite { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC }
+#define LCD_LOG_SITE                                                                                         \
+    ::LCD::ConfigModel::LogSite {                                                                            \
+        QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC                                           \
+    }
 
 // One loader family: its root element and the texts it reports.
 struct DocumentFamily {
@@ -39,7 +41,7 @@ LCD_CONFIGMODEL_EXPORT extern const DocumentFamily kHdrFile;    // UI texts, roo
 
 // Who loads: the translation context of the loader class (or none) and the
 // site its diagnostics are reported from.
-struct Loader {
+struct LCD_CONFIGMODEL_EXPORT Loader {
     const DocumentFamily& family;
     const char* trContext;
     LogSite site;

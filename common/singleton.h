@@ -11,11 +11,8 @@
 namespace LCD {
 namespace ConfigModel {
 
-template <class T>
-T* singletonInstance(std::atomic<T*>& instance, QMutex& mutex)
-{
-    if (T* existing = instance.load(std::memory_order_acquire))
-        return existing;
+template <class T> T* singletonInstance(std::atomic<T*>& instance, QMutex& mutex) {
+    if (T* existing = instance.load(std::memory_order_acquire)) return existing;
     QMutexLocker lock(&mutex);
     T* current = instance.load(std::memory_order_relaxed);
     if (!current) {
@@ -25,11 +22,8 @@ T* singletonInstance(std::atomic<T*>& instance, QMutex& mutex)
     return current;
 }
 
-template <class T>
-void singletonDestroy(std::atomic<T*>& instance, QMutex& mutex)
-{
-    if (!instance.load(std::memory_order_acquire))
-        return;
+template <class T> void singletonDestroy(std::atomic<T*>& instance, QMutex& mutex) {
+    if (!instance.load(std::memory_order_acquire)) return;
     QMutexLocker lock(&mutex);
     delete instance.exchange(nullptr, std::memory_order_acq_rel);
 }
@@ -39,16 +33,20 @@ void singletonDestroy(std::atomic<T*>& instance, QMutex& mutex)
 
 // Declares instance()/destroyInstance() with the pointer `m_p<Name>CfgMgr`
 // and the mutex `m_mu<Name>CfgMgr`.
-#define LCD_DECLARE_SINGLETON(Class, Name)                                                                        \
-public:                                                                                                           \
-    static Class* instance() { return ::LCD::ConfigModel::singletonInstance(m_p##Name##CfgMgr, m_mu##Name##CfgMgr); } \
-    static void destroyInstance() { ::LCD::ConfigModel::singletonDestroy(m_p##Name##CfgMgr, m_mu##Name##CfgMgr); }  \
-                                                                                                                  \
-private:                                                                                                          \
-    static std::atomic<Class*> m_p##Name##CfgMgr;                                                                 \
+#define LCD_DECLARE_SINGLETON(Class, Name)                                                                   \
+public:                                                                                                      \
+    static Class* instance() {                                                                               \
+        return ::LCD::ConfigModel::singletonInstance(m_p##Name##CfgMgr, m_mu##Name##CfgMgr);                 \
+    }                                                                                                        \
+    static void destroyInstance() {                                                                          \
+        ::LCD::ConfigModel::singletonDestroy(m_p##Name##CfgMgr, m_mu##Name##CfgMgr);                         \
+    }                                                                                                        \
+                                                                                                             \
+private:                                                                                                     \
+    static std::atomic<Class*> m_p##Name##CfgMgr;                                                            \
     static QMutex m_mu##Name##CfgMgr;
 
 // Defines them in the class's source file.
-#define LCD_DEFINE_SINGLETON(Class, Name)                                                                         \
-    std::atomic<Class*> Class::m_p##Name##CfgMgr{nullptr};                                                        \
+#define LCD_DEFINE_SINGLETON(Class, Name)                                                                    \
+    std::atomic<Class*> Class::m_p##Name##CfgMgr{nullptr};                                                   \
     QMutex Class::m_mu##Name##CfgMgr;

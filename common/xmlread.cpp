@@ -12,39 +12,27 @@ namespace {
 
 ReadObserver* g_observer = nullptr;
 
-inline QDomElement visited(QDomElement e)
-{
-    if (Q_UNLIKELY(g_observer) && !e.isNull())
-        g_observer->elementVisited(e);
+inline QDomElement visited(QDomElement e) {
+    if (Q_UNLIKELY(g_observer) && !e.isNull()) g_observer->elementVisited(e);
     return e;
 }
 
 // The field of a range-like record that an attribute name fills.
-template <class R>
-qint32* rangeField(R& r, const char* name)
-{
-    if (std::strcmp(name, "Support") == 0)
-        return &r.support;
-    if (std::strcmp(name, "Editable") == 0)
-        return &r.editable;
-    if (std::strcmp(name, "DataType") == 0)
-        return &r.dataType;
+template <class R> qint32* rangeField(R& r, const char* name) {
+    if (std::strcmp(name, "Support") == 0) return &r.support;
+    if (std::strcmp(name, "Editable") == 0) return &r.editable;
+    if (std::strcmp(name, "DataType") == 0) return &r.dataType;
     if constexpr (!std::is_same_v<R, s_TextRange>) {
-        if (std::strcmp(name, "Value") == 0)
-            return &r.value;
+        if (std::strcmp(name, "Value") == 0) return &r.value;
     }
     if constexpr (!std::is_same_v<R, s_ValueSetting> && !std::is_same_v<R, s_OptionList>) {
-        if (std::strcmp(name, "Min") == 0)
-            return &r.min;
-        if (std::strcmp(name, "Max") == 0)
-            return &r.max;
+        if (std::strcmp(name, "Min") == 0) return &r.min;
+        if (std::strcmp(name, "Max") == 0) return &r.max;
     }
     return nullptr;
 }
 
-template <class R>
-void readShape(const QDomElement& e, Attrs attrs, R& out)
-{
+template <class R> void readShape(const QDomElement& e, Attrs attrs, R& out) {
     for (const Attr& a : attrs) {
         if constexpr (std::is_same_v<R, s_TextRange>) {
             if (std::strcmp(a.name, "Value") == 0) {
@@ -54,8 +42,7 @@ void readShape(const QDomElement& e, Attrs attrs, R& out)
         }
         qint32* field = rangeField(out, a.name);
         Q_ASSERT_X(field, "readShape", a.name);
-        if (field)
-            *field = intAttr(e, a.name, a.def);
+        if (field) *field = intAttr(e, a.name, a.def);
     }
 }
 
@@ -63,196 +50,161 @@ void readShape(const QDomElement& e, Attrs attrs, R& out)
 
 ReadObserver::~ReadObserver() = default;
 
-void setReadObserver(ReadObserver* observer)
-{
+void setReadObserver(ReadObserver* observer) {
     g_observer = observer;
 }
 
-QDomElement child(const QDomElement& parent, const char* name)
-{
-    if (parent.isNull())
-        return {};
+QDomElement child(const QDomElement& parent, const char* name) {
+    if (parent.isNull()) return {};
     return visited(name ? parent.firstChildElement(QLatin1String(name)) : parent.firstChildElement());
 }
 
-QDomElement firstChild(const QDomElement& parent)
-{
+QDomElement firstChild(const QDomElement& parent) {
     return child(parent, nullptr);
 }
 
-QDomElement next(const QDomElement& element)
-{
+QDomElement next(const QDomElement& element) {
     return visited(element.nextSiblingElement());
 }
 
-QDomElement nextNamed(const QDomElement& element, const char* name)
-{
+QDomElement nextNamed(const QDomElement& element, const char* name) {
     return visited(element.nextSiblingElement(QLatin1String(name)));
 }
 
-QString attr(const QDomElement& e, const char* name, const char* def)
-{
+QString attr(const QDomElement& e, const char* name, const char* def) {
     const QString key = QLatin1String(name);
-    if (Q_UNLIKELY(g_observer) && !e.isNull())
-        g_observer->attributeRead(e, key, e.hasAttribute(key));
+    if (Q_UNLIKELY(g_observer) && !e.isNull()) g_observer->attributeRead(e, key, e.hasAttribute(key));
     return e.attribute(key, QLatin1String(def));
 }
 
-bool hasAttr(const QDomElement& e, const char* name)
-{
+bool hasAttr(const QDomElement& e, const char* name) {
     return e.hasAttribute(QLatin1String(name));
 }
 
-qint32 intAttr(const QDomElement& e, const char* name, const char* def)
-{
+qint32 intAttr(const QDomElement& e, const char* name, const char* def) {
     return attr(e, name, def).toInt();
 }
 
-quint32 uintAttr(const QDomElement& e, const char* name, const char* def)
-{
+quint32 uintAttr(const QDomElement& e, const char* name, const char* def) {
     return attr(e, name, def).toUInt();
 }
 
-float floatAttr(const QDomElement& e, const char* name, const char* def)
-{
+float floatAttr(const QDomElement& e, const char* name, const char* def) {
     return attr(e, name, def).toFloat();
 }
 
-std::string textAttr(const QDomElement& e, const char* name, const char* def)
-{
+std::string textAttr(const QDomElement& e, const char* name, const char* def) {
     return utf8(attr(e, name, def));
 }
 
-std::string utf8(const QString& text)
-{
+std::string utf8(const QString& text) {
     const QByteArray bytes = text.toUtf8();
     return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
 }
 
-std::string text(const QDomElement& e)
-{
+std::string text(const QDomElement& e) {
     return utf8(e.text());
 }
 
-std::string firstNodeText(const QDomElement& e)
-{
+std::string firstNodeText(const QDomElement& e) {
     return utf8(e.firstChild().nodeValue());
 }
 
-void readInts(const QDomElement& e, std::initializer_list<IntField> fields)
-{
+void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
     for (const IntField& f : fields)
         *f.field = intAttr(e, f.name, f.def);
 }
 
-s_SupportInfo readPair(const QDomElement& e, const char* supportDef, const char* editableDef)
-{
+s_SupportInfo readPair(const QDomElement& e, const char* supportDef, const char* editableDef) {
     s_SupportInfo pair;
     pair.support = intAttr(e, "Support", supportDef);
     pair.editable = intAttr(e, "Editable", editableDef);
     return pair;
 }
 
-s_RangeValue readRange(const QDomElement& e, Attrs attrs)
-{
+s_RangeValue readRange(const QDomElement& e, Attrs attrs) {
     s_RangeValue r;
     readShape(e, attrs, r);
     return r;
 }
 
-s_ValueSetting readValueSetting(const QDomElement& e, Attrs attrs)
-{
+s_ValueSetting readValueSetting(const QDomElement& e, Attrs attrs) {
     s_ValueSetting r;
     readShape(e, attrs, r);
     return r;
 }
 
-s_TextRange readTextRange(const QDomElement& e, Attrs attrs)
-{
+s_TextRange readTextRange(const QDomElement& e, Attrs attrs) {
     s_TextRange r;
     readShape(e, attrs, r);
     return r;
 }
 
-s_OptionList readOptions(const QDomElement& e, Attrs attrs, ListFrom list)
-{
+s_OptionList readOptions(const QDomElement& e, Attrs attrs, ListFrom list) {
     s_OptionList r;
     readShape(e, attrs, r);
     r.values = readValues<EnumValue>(e, list);
     return r;
 }
 
-std::vector<qint32> readValueList(const QDomElement& e, ListFrom list)
-{
+std::vector<qint32> readValueList(const QDomElement& e, ListFrom list) {
     std::vector<qint32> values;
-    if (list == ListFrom::None)
-        return values;
+    if (list == ListFrom::None) return values;
     forEachRepeated(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
                     [&](const QDomElement& item) { values.push_back(intAttr(item, "Value")); });
     return values;
 }
 
-std::vector<s_RangeValue> readRangeList(const QDomElement& e, Attrs attrs)
-{
+std::vector<s_RangeValue> readRangeList(const QDomElement& e, Attrs attrs) {
     std::vector<s_RangeValue> list;
     forEachChild(e, [&](const QDomElement& item) { list.push_back(readRange(item, attrs)); });
     return list;
 }
 
-void readRangeLenient(const QDomElement& e, s_RangeValue& out)
-{
-    if (e.isNull())
-        return;
-    readShape(e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}, {"Min", "0"}, {"Max", "0"}},
-              out);
+void readRangeLenient(const QDomElement& e, s_RangeValue& out) {
+    if (e.isNull()) return;
+    readShape(
+        e,
+        {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}, {"Min", "0"}, {"Max", "0"}},
+        out);
 }
 
-void readPairLenient(const QDomElement& e, s_SupportInfo& out)
-{
-    if (e.isNull())
-        return;
+void readPairLenient(const QDomElement& e, s_SupportInfo& out) {
+    if (e.isNull()) return;
     out = readPair(e, "1", "1");
 }
 
 bool readRangeStrict(const QDomElement& parent, const char* tag, s_RangeValue& out, QString& error,
-                     std::initializer_list<const char*> order)
-{
+                     std::initializer_list<const char*> order) {
     const QDomElement e = child(parent, tag);
     if (e.isNull()) {
         error = QStringLiteral("Invalid [%1] node.").arg(QLatin1String(tag));
         return false;
     }
     for (const char* name : order) {
-        if (qint32* field = rangeField(out, name))
-            *field = intAttr(e, name);
+        if (qint32* field = rangeField(out, name)) *field = intAttr(e, name);
     }
     return true;
 }
 
 Section::Section(QString& error, const Loader& loader) : m_error(error), m_loader(loader) {}
 
-QDomElement Section::need(const QDomElement& parent, const char* name)
-{
+QDomElement Section::need(const QDomElement& parent, const char* name) {
     return lookup(parent, name, false);
 }
 
-QDomElement Section::needLogged(const QDomElement& parent, const char* name)
-{
+QDomElement Section::needLogged(const QDomElement& parent, const char* name) {
     return lookup(parent, name, true);
 }
 
-void Section::fail(const QString& name)
-{
-    if (!m_complete)
-        return;
+void Section::fail(const QString& name) {
+    if (!m_complete) return;
     m_complete = false;
     m_error = m_loader.invalidNode(name);
 }
 
-QDomElement Section::lookup(const QDomElement& parent, const char* name, bool logged)
-{
-    if (!m_complete)
-        return {};
+QDomElement Section::lookup(const QDomElement& parent, const char* name, bool logged) {
+    if (!m_complete) return {};
     QDomElement e = child(parent, name);
     if (e.isNull()) {
         fail(QLatin1String(name));

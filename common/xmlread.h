@@ -44,24 +44,18 @@ LCD_CONFIGMODEL_EXPORT QDomElement next(const QDomElement& element);
 
 // The repeated-element walk: the first child named `firstName`, then every
 // following sibling element whatever its name.
-template <class F>
-void forEachRepeated(const QDomElement& parent, const char* firstName, F&& f)
-{
+template <class F> void forEachRepeated(const QDomElement& parent, const char* firstName, F&& f) {
     for (QDomElement e = child(parent, firstName); !e.isNull(); e = next(e))
         f(e);
 }
 // Every child element, whatever its name, in document order.
-template <class F>
-void forEachChild(const QDomElement& parent, F&& f)
-{
+template <class F> void forEachChild(const QDomElement& parent, F&& f) {
     for (QDomElement e = firstChild(parent); !e.isNull(); e = next(e))
         f(e);
 }
 // Every child element named `name` (others are skipped).
 LCD_CONFIGMODEL_EXPORT QDomElement nextNamed(const QDomElement& element, const char* name);
-template <class F>
-void forEachNamed(const QDomElement& parent, const char* name, F&& f)
-{
+template <class F> void forEachNamed(const QDomElement& parent, const char* name, F&& f) {
     for (QDomElement e = child(parent, name); !e.isNull(); e = nextNamed(e, name))
         f(e);
 }
@@ -125,9 +119,7 @@ LCD_CONFIGMODEL_EXPORT s_TextRange readTextRange(const QDomElement& e, Attrs att
 LCD_CONFIGMODEL_EXPORT s_OptionList readOptions(const QDomElement& e, Attrs attrs, ListFrom list);
 // The "Value" attribute of each listed child (absent gives 0), in file order.
 LCD_CONFIGMODEL_EXPORT std::vector<qint32> readValueList(const QDomElement& e, ListFrom list);
-template <class V>
-std::vector<V> readValues(const QDomElement& e, ListFrom list)
-{
+template <class V> std::vector<V> readValues(const QDomElement& e, ListFrom list) {
     std::vector<V> out;
     for (qint32 v : readValueList(e, list))
         out.push_back(V{v});
@@ -175,14 +167,11 @@ private:
 
 // Section transaction: reads into a fresh record and commits it to `target`
 // only when the section is complete. `read(Section&, T&)`.
-template <class T, class Read>
-bool transact(T& target, QString& error, const Loader& loader, Read&& read)
-{
+template <class T, class Read> bool transact(T& target, QString& error, const Loader& loader, Read&& read) {
     T local{};
     Section section(error, loader);
     read(section, local);
-    if (!section.complete())
-        return false;
+    if (!section.complete()) return false;
     target = std::move(local);
     return true;
 }

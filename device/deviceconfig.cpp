@@ -5,7 +5,6 @@ KVC_REGISTER_COMPONENT(LCD::ConfigModel::DeviceTessanConfigManager, "tavio.lcd.c
 namespace LCD {
 namespace ConfigModel {
 
-DeviceConfigInterface::~DeviceConfigInterface() = default;
 
 DeviceTessanConfigManager::DeviceTessanConfigManager() = default;
 DeviceTessanConfigManager::~DeviceTessanConfigManager() = default;

@@ -38,12 +38,12 @@ const QMap<TestPatternType, QString> g_mapIconPath = {
 #undef ICON
 
 const QMap<ConnectorType, QString> g_mapConnectorTypeName = {
-    {ConnectorDVI, QStringLiteral("DVI")},         {ConnectorDDVI, QStringLiteral("DDVI")},
-    {ConnectorHDMI13, QStringLiteral("HDMI1.3")},  {ConnectorHDMI14, QStringLiteral("HDMI1.4")},
-    {ConnectorHDMI20, QStringLiteral("HDMI2.0")},  {ConnectorDP11, QStringLiteral("DP1.1")},
-    {ConnectorDP12, QStringLiteral("DP1.2")},      {ConnectorSDI, QStringLiteral("SDI")},
-    {ConnectorVGA, QStringLiteral("VGA")},         {ConnectorCVBS, QStringLiteral("CVBS")},
-    {Connector12GSDI, QStringLiteral("12G-SDI")},  {Connector6GSDI, QStringLiteral("6G-SDI")},
+    {ConnectorDVI, QStringLiteral("DVI")},        {ConnectorDDVI, QStringLiteral("DDVI")},
+    {ConnectorHDMI13, QStringLiteral("HDMI1.3")}, {ConnectorHDMI14, QStringLiteral("HDMI1.4")},
+    {ConnectorHDMI20, QStringLiteral("HDMI2.0")}, {ConnectorDP11, QStringLiteral("DP1.1")},
+    {ConnectorDP12, QStringLiteral("DP1.2")},     {ConnectorSDI, QStringLiteral("SDI")},
+    {ConnectorVGA, QStringLiteral("VGA")},        {ConnectorCVBS, QStringLiteral("CVBS")},
+    {Connector12GSDI, QStringLiteral("12G-SDI")}, {Connector6GSDI, QStringLiteral("6G-SDI")},
     {ConnectorDDP11, QStringLiteral("DDP1.1")},
 };
 
@@ -53,14 +53,15 @@ const QMap<int, InterfaceColorSpace> g_mapOrderColorSpace = {
 };
 
 const QMap<ThumbTagName, int> g_mapThumbTagName = {
-    {ThumbWidth, 0}, {ThumbHeight, 1}, {ThumbRefreshRate, 2}, {ThumbInterlaced, 3}, {ThumbPixelClock, 4}, {ThumbName, 5},
+    {ThumbWidth, 0},      {ThumbHeight, 1},     {ThumbRefreshRate, 2},
+    {ThumbInterlaced, 3}, {ThumbPixelClock, 4}, {ThumbName, 5},
 };
 
 const QMap<DetailTagName, int> g_mapDetailTimingTagName = {
-    {DetailHActive, 0},      {DetailVActive, 1},        {DetailRefreshRate, 2},    {DetailInterlaced, 3},
-    {DetailHTotal, 4},       {DetailVTotal, 5},         {DetailHFrontPorch, 6},    {DetailVFrontPorch, 7},
-    {DetailHSync, 8},        {DetailVSync, 9},          {DetailHSyncPolarity, 10}, {DetailVSyncPolarity, 11},
-    {DetailPixelClock, 12},  {DetailCoefficient, 13},
+    {DetailHActive, 0},     {DetailVActive, 1},      {DetailRefreshRate, 2},    {DetailInterlaced, 3},
+    {DetailHTotal, 4},      {DetailVTotal, 5},       {DetailHFrontPorch, 6},    {DetailVFrontPorch, 7},
+    {DetailHSync, 8},       {DetailVSync, 9},        {DetailHSyncPolarity, 10}, {DetailVSyncPolarity, 11},
+    {DetailPixelClock, 12}, {DetailCoefficient, 13},
 };
 
 const std::string ScreenColorSpaceViewModel = "screencolorspaceviewmodel";

@@ -5,7 +5,6 @@ KVC_REGISTER_COMPONENT(LCD::ConfigModel::HDRConfig, "tavio.lcd.configmodel.hdrco
 namespace LCD {
 namespace ConfigModel {
 
-IHDRConfig::~IHDRConfig() = default;
 
 HDRConfig::HDRConfig() = default;
 HDRConfig::~HDRConfig() = default;

@@ -8,31 +8,25 @@ namespace {
 using PluginInit = void (*)(void*);
 using PluginInfoFn = void* (*)();
 
-void setError(QString* error, const QString& text)
-{
-    if (error)
-        *error = text;
+void setError(QString* error, const QString& text) {
+    if (error) *error = text;
 }
 } // namespace
 
-QString PluginHost::defaultPluginPath()
-{
+QString PluginHost::defaultPluginPath() {
     const QByteArray fromEnvironment = qgetenv("LCD_PLUGIN");
-    if (!fromEnvironment.isEmpty())
-        return QString::fromLocal8Bit(fromEnvironment);
+    if (!fromEnvironment.isEmpty()) return QString::fromLocal8Bit(fromEnvironment);
     return QStringLiteral(LCD_DEFAULT_PLUGIN);
 }
 
 PluginHost::PluginHost(QString libraryPath) : m_library(libraryPath) {}
 
-PluginHost::~PluginHost()
-{
+PluginHost::~PluginHost() {
     // The library stays mapped: components the caller still holds keep
     // pointing into it. The process unloads it at exit.
 }
 
-bool PluginHost::load(QString* error)
-{
+bool PluginHost::load(QString* error) {
     const QString path = m_library.fileName();
     if (!QFileInfo::exists(path)) {
         setError(error, QStringLiteral("plug-in not found: %1").arg(path));
@@ -59,26 +53,21 @@ bool PluginHost::load(QString* error)
     return true;
 }
 
-QList<const kvc::ComponentInfo*> PluginHost::components() const
-{
+QList<const kvc::ComponentInfo*> PluginHost::components() const {
     QList<const kvc::ComponentInfo*> list;
-    if (!m_info)
-        return list;
+    if (!m_info) return list;
     for (const kvc::ComponentInfo* const* entry = m_info->componentTable; *entry; ++entry)
         list.append(*entry);
     return list;
 }
 
-const kvc::ComponentInfo* PluginHost::find(const QString& id) const
-{
+const kvc::ComponentInfo* PluginHost::find(const QString& id) const {
     for (const kvc::ComponentInfo* info : components())
-        if (QLatin1String(info->id) == id)
-            return info;
+        if (QLatin1String(info->id) == id) return info;
     return nullptr;
 }
 
-const kvc::ComponentInfo* PluginHost::createRaw(const QString& id, void** object, QString* error) const
-{
+const kvc::ComponentInfo* PluginHost::createRaw(const QString& id, void** object, QString* error) const {
     if (!m_info) {
         setError(error, QStringLiteral("plug-in not loaded"));
         return nullptr;

@@ -18,16 +18,12 @@ namespace kvchost {
 struct ComponentDeleter {
     const kvc::ComponentInfo* info = nullptr;
     void* object = nullptr;
-    template <class I>
-    void operator()(I*) const
-    {
-        if (info)
-            info->deletorFn(object);
+    template <class I> void operator()(I*) const {
+        if (info) info->deletorFn(object);
     }
 };
 
-template <class I>
-using Component = std::unique_ptr<I, ComponentDeleter>;
+template <class I> using Component = std::unique_ptr<I, ComponentDeleter>;
 
 class PluginHost {
 public:
@@ -53,13 +49,10 @@ public:
 
     // A new component used through interface I; null with `error` set for an
     // unknown id or a failed creation.
-    template <class I>
-    Component<I> create(const QString& id, QString* error = nullptr) const
-    {
+    template <class I> Component<I> create(const QString& id, QString* error = nullptr) const {
         void* object = nullptr;
         const kvc::ComponentInfo* info = createRaw(id, &object, error);
-        if (!info)
-            return Component<I>(nullptr, ComponentDeleter{});
+        if (!info) return Component<I>(nullptr, ComponentDeleter{});
         // Each component class derives singly and non-virtually from its
         // interface, so the object's address is the interface's address.
         return Component<I>(static_cast<I*>(object), ComponentDeleter{info, object});

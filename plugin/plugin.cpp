@@ -21,20 +21,17 @@ const kvc::ComponentInfo* const lcdconfigmodelplugin_kvc_componentInfoTable[8] =
     nullptr,
 };
 
-kvc::api& kvc::api::get()
-{
+kvc::api& kvc::api::get() {
     static api instance;
     return instance;
 }
 
-extern "C" void pluginit(void* host)
-{
+extern "C" void pluginit(void* host) {
     kvc::api::get().host = host;
 }
 
-extern "C" void* pluginfo()
-{
-    static const kvc::PluginInfo pinfo{"0.1", lcdconfigmodelplugin_kvc_componentInfoTable, "configmodel", "0.1.0",
-                                       "{\"desc\":\"configmodel plugin!\",\"end\":0 }"};
+extern "C" void* pluginfo() {
+    static const kvc::PluginInfo pinfo{"0.1", lcdconfigmodelplugin_kvc_componentInfoTable, "configmodel",
+                                       "0.1.0", "{\"desc\":\"configmodel plugin!\",\"end\":0 }"};
     return const_cast<kvc::PluginInfo*>(&pinfo);
 }

@@ -8,7 +8,6 @@ public slots:
 signals:
 };
 
-int main()
-{
+int main() {
     return 0;
 }

@@ -13,26 +13,22 @@
 namespace test {
 
 // A path under the shipped sample configuration (share/config/...).
-inline QString sharedConfig(const QString& relative)
-{
+inline QString sharedConfig(const QString& relative) {
     return QStringLiteral(LCD_SOURCE_DIR "/share/config/") + relative;
 }
 
 // Writes `content` to `dir/relative` (parents created) and returns the path.
-inline QString writeFile(const QTemporaryDir& dir, const QString& relative, const QByteArray& content)
-{
+inline QString writeFile(const QTemporaryDir& dir, const QString& relative, const QByteArray& content) {
     const QString path = dir.filePath(relative);
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        qFatal("cannot write %s", qPrintable(path));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) qFatal("cannot write %s", qPrintable(path));
     file.write(content);
     return path;
 }
 
 // A document nested `depth` elements deep: <root><e><e>...</e></e></root>.
-inline QByteArray nestedDocument(const QByteArray& root, int depth, const QByteArray& attributes = {})
-{
+inline QByteArray nestedDocument(const QByteArray& root, int depth, const QByteArray& attributes = {}) {
     QByteArray doc = "<" + root + attributes + ">";
     doc.reserve(depth * 8 + 64);
     for (int i = 1; i < depth; ++i)
@@ -56,39 +52,32 @@ struct Message {
 // default handler). Not reentrant: one recorder at a time.
 class MessageRecorder {
 public:
-    MessageRecorder()
-    {
+    MessageRecorder() {
         s_current = this;
         m_previous = qInstallMessageHandler(&MessageRecorder::handle);
     }
-    ~MessageRecorder()
-    {
+    ~MessageRecorder() {
         qInstallMessageHandler(m_previous);
         s_current = nullptr;
     }
     const QList<Message>& messages() const { return m_messages; }
-    QStringList texts(QtMsgType type) const
-    {
+    QStringList texts(QtMsgType type) const {
         QStringList out;
         for (const Message& m : m_messages)
-            if (m.type == type)
-                out << m.text;
+            if (m.type == type) out << m.text;
         return out;
     }
     QStringList warnings() const { return texts(QtWarningMsg); }
     QStringList debugs() const { return texts(QtDebugMsg); }
     // Warnings and errors only: a clean load has none.
-    bool clean() const
-    {
+    bool clean() const {
         for (const Message& m : m_messages)
-            if (m.type != QtDebugMsg && m.type != QtInfoMsg)
-                return false;
+            if (m.type != QtDebugMsg && m.type != QtInfoMsg) return false;
         return true;
     }
 
 private:
-    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
-    {
+    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text) {
         s_current->m_messages.append({type, QString::fromUtf8(context.category ? context.category : ""),
                                       QString::fromUtf8(context.file ? context.file : ""),
                                       QString::fromUtf8(context.function ? context.function : ""), text});

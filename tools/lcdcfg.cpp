@@ -13,21 +13,18 @@ using namespace LCD::ConfigModel;
 
 namespace {
 
-QTextStream& out()
-{
+QTextStream& out() {
     static QTextStream stream(stdout);
     return stream;
 }
 
-QTextStream& err()
-{
+QTextStream& err() {
     static QTextStream stream(stderr);
     return stream;
 }
 
 // The interface each component is used through, in table order.
-const char* interfaceOf(const QString& id)
-{
+const char* interfaceOf(const QString& id) {
     static const QHash<QString, const char*> interfaces = {
         {QStringLiteral("tavio.lcd.configmodel.device"), "DeviceConfigInterface"},
         {QStringLiteral("tavio.lcd.configmodel.subcard"), "SubcardConfigInterface"},
@@ -40,8 +37,7 @@ const char* interfaceOf(const QString& id)
     return interfaces.value(id, "?");
 }
 
-const char* classOf(const QString& id)
-{
+const char* classOf(const QString& id) {
     static const QHash<QString, const char*> classes = {
         {QStringLiteral("tavio.lcd.configmodel.device"), "DeviceTessanConfigManager"},
         {QStringLiteral("tavio.lcd.configmodel.subcard"), "SubcardConfigManager"},
@@ -54,8 +50,7 @@ const char* classOf(const QString& id)
     return classes.value(id, "?");
 }
 
-int runPlugin(const kvchost::PluginHost& host)
-{
+int runPlugin(const kvchost::PluginHost& host) {
     const kvc::PluginInfo* info = host.info();
     out() << "plug-in     " << host.libraryPath() << "\n"
           << "infoVersion " << info->infoVersion << "\n"
@@ -75,17 +70,14 @@ int runPlugin(const kvchost::PluginHost& host)
 // One line per component: what was loaded from where, or why not.
 struct Report {
     int failures = 0;
-    void line(bool ok, const QString& what, const QString& detail)
-    {
-        out() << (ok ? "ok    " : "FAIL  ") << qSetFieldWidth(14) << Qt::left << what << qSetFieldWidth(0) << detail
-              << "\n";
-        if (!ok)
-            ++failures;
+    void line(bool ok, const QString& what, const QString& detail) {
+        out() << (ok ? "ok    " : "FAIL  ") << qSetFieldWidth(14) << Qt::left << what << qSetFieldWidth(0)
+              << detail << "\n";
+        if (!ok) ++failures;
     }
 };
 
-int runCheck(const kvchost::PluginHost& host, const QString& configDir)
-{
+int runCheck(const kvchost::PluginHost& host, const QString& configDir) {
     const QDir config(configDir);
     if (!config.exists()) {
         err() << "lcdcfg: no configuration directory " << configDir << "\n";
@@ -98,14 +90,16 @@ int runCheck(const kvchost::PluginHost& host, const QString& configDir)
     const QString checklist = config.filePath(QStringLiteral("ui/checklist.xml"));
     if (keys && keys->readConfig(checklist, error)) {
         const auto list = keys->getKeyCheckList();
-        report.line(true, QStringLiteral("key-check"), QStringLiteral("%1 keys from %2").arg(list.size()).arg(checklist));
+        report.line(true, QStringLiteral("key-check"),
+                    QStringLiteral("%1 keys from %2").arg(list.size()).arg(checklist));
         for (const auto& key : list)
             out() << "        " << key.first << "  " << key.second << "\n";
     } else {
         report.line(false, QStringLiteral("key-check"), error);
     }
 
-    auto printKeys = host.create<IPrintKeyNoConfig>(QStringLiteral("tavio.lcd.configmodel.printkeyno"), &error);
+    auto printKeys =
+        host.create<IPrintKeyNoConfig>(QStringLiteral("tavio.lcd.configmodel.printkeyno"), &error);
     const QString printKeyFile = config.filePath(QStringLiteral("ui/printkeynoconfig.xml"));
     if (printKeys && printKeys->readConfig(printKeyFile, error)) {
         report.line(true, QStringLiteral("print-keys"), QStringLiteral("loaded %1").arg(printKeyFile));
@@ -119,8 +113,7 @@ int runCheck(const kvchost::PluginHost& host, const QString& configDir)
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("lcdcfg"));
     QCoreApplication::setApplicationVersion(QStringLiteral("0.1.0"));
@@ -134,8 +127,9 @@ int main(int argc, char** argv)
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("plugin | check"));
-    const QCommandLineOption pluginOption(QStringLiteral("plugin"), QStringLiteral("Plug-in library to load."),
-                                          QStringLiteral("path"), kvchost::PluginHost::defaultPluginPath());
+    const QCommandLineOption pluginOption(QStringLiteral("plugin"),
+                                          QStringLiteral("Plug-in library to load."), QStringLiteral("path"),
+                                          kvchost::PluginHost::defaultPluginPath());
     const QCommandLineOption configOption(QStringLiteral("config"),
                                           QStringLiteral("Configuration directory (share/config)."),
                                           QStringLiteral("dir"), QStringLiteral("share/config"));
@@ -155,10 +149,8 @@ int main(int argc, char** argv)
         return 2;
     }
     const QString command = args.first();
-    if (command == QLatin1String("plugin"))
-        return runPlugin(host);
-    if (command == QLatin1String("check"))
-        return runCheck(host, parser.value(configOption));
+    if (command == QLatin1String("plugin")) return runPlugin(host);
+    if (command == QLatin1String("check")) return runCheck(host, parser.value(configOption));
     err() << "lcdcfg: unknown command " << command << "\n";
     return 2;
 }

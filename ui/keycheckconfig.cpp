@@ -9,16 +9,12 @@ namespace ConfigModel {
 
 using namespace xml;
 
-IKeyCheckConfig::~IKeyCheckConfig() = default;
-
 KeyCheckConfig::KeyCheckConfig() = default;
 KeyCheckConfig::~KeyCheckConfig() = default;
 
-bool KeyCheckConfig::readConfig(const QString& path, QString& error)
-{
+bool KeyCheckConfig::readConfig(const QString& path, QString& error) {
     QDomDocument doc;
-    if (!loadDocument(path, Loader{kUiFile, nullptr, LCD_LOG_SITE}, doc, error))
-        return false;
+    if (!loadDocument(path, Loader{kUiFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
     const QDomElement keys = child(doc.documentElement(), "LcdKeys");
     if (keys.isNull()) {
@@ -31,8 +27,7 @@ bool KeyCheckConfig::readConfig(const QString& path, QString& error)
     return true;
 }
 
-QList<QPair<int, QString>> KeyCheckConfig::getKeyCheckList()
-{
+QList<QPair<int, QString>> KeyCheckConfig::getKeyCheckList() {
     return m_keyCheckList;
 }
 

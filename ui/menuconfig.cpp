@@ -5,13 +5,10 @@ KVC_REGISTER_COMPONENT(LCD::ConfigModel::MenuConfigManager, "tavio.lcd.configmod
 namespace LCD {
 namespace ConfigModel {
 
-MenuConfigInterface::~MenuConfigInterface() = default;
-
 MenuConfigManager::MenuConfigManager() = default;
 MenuConfigManager::~MenuConfigManager() = default;
 
-bool MenuConfigManager::readMenuItems(const QString&, QString&)
-{
+bool MenuConfigManager::readMenuItems(const QString&, QString&) {
     return true;
 }
 

@@ -11,16 +11,12 @@ namespace ConfigModel {
 
 using namespace xml;
 
-IPrintKeyNoConfig::~IPrintKeyNoConfig() = default;
-
 PrintKeyNoConfig::PrintKeyNoConfig() = default;
 PrintKeyNoConfig::~PrintKeyNoConfig() = default;
 
-bool PrintKeyNoConfig::readConfig(const QString& path, QString& error)
-{
+bool PrintKeyNoConfig::readConfig(const QString& path, QString& error) {
     QDomDocument doc;
-    if (!loadDocument(path, Loader{kUiFile, nullptr, LCD_LOG_SITE}, doc, error))
-        return false;
+    if (!loadDocument(path, Loader{kUiFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
     forEachChild(doc.documentElement(), [&](const QDomElement& element) {
         DevicePrintKeyNoInfo device;
@@ -30,8 +26,8 @@ bool PrintKeyNoConfig::readConfig(const QString& path, QString& error)
     return true;
 }
 
-bool PrintKeyNoConfig::readConfigDevice(const QDomElement& element, QString& error, DevicePrintKeyNoInfo& device)
-{
+bool PrintKeyNoConfig::readConfigDevice(const QDomElement& element, QString& error,
+                                        DevicePrintKeyNoInfo& device) {
     forEachRepeated(element, "Subcard", [&](const QDomElement& card) {
         SubcardPrintKeyNoInfo subcard;
         readConfigSubcard(card, error, subcard);
@@ -41,8 +37,8 @@ bool PrintKeyNoConfig::readConfigDevice(const QDomElement& element, QString& err
     return true;
 }
 
-bool PrintKeyNoConfig::readConfigSubcard(const QDomElement& element, QString&, SubcardPrintKeyNoInfo& subcard)
-{
+bool PrintKeyNoConfig::readConfigSubcard(const QDomElement& element, QString&,
+                                         SubcardPrintKeyNoInfo& subcard) {
     subcard.modelId = intAttr(element, "ModelId");
     forEachChild(element, [&](const QDomElement& key) {
         subcard.printKeyNos.push_back(PrintKeyNoInfo{intAttr(key, "Id"), textAttr(key, "PrintKeyNo"), 0});
@@ -50,21 +46,19 @@ bool PrintKeyNoConfig::readConfigSubcard(const QDomElement& element, QString&, S
     return true;
 }
 
-SubcardPrintKeyNoInfo PrintKeyNoConfig::getPrintKeyNoCfg(int deviceModelId, int subcardModelId)
-{
-    const auto device = std::find_if(m_devicePrintKeyNos.cbegin(), m_devicePrintKeyNos.cend(),
-                                     [&](const DevicePrintKeyNoInfo& d) { return d.modelId == deviceModelId; });
-    if (device == m_devicePrintKeyNos.cend())
-        return {};
-    const auto card = std::find_if(device->subcards.cbegin(), device->subcards.cend(),
-                                   [&](const SubcardPrintKeyNoInfo& s) { return s.modelId == subcardModelId; });
-    if (card == device->subcards.cend())
-        return {};
+SubcardPrintKeyNoInfo PrintKeyNoConfig::getPrintKeyNoCfg(int deviceModelId, int subcardModelId) {
+    const auto device =
+        std::find_if(m_devicePrintKeyNos.cbegin(), m_devicePrintKeyNos.cend(),
+                     [&](const DevicePrintKeyNoInfo& d) { return d.modelId == deviceModelId; });
+    if (device == m_devicePrintKeyNos.cend()) return {};
+    const auto card =
+        std::find_if(device->subcards.cbegin(), device->subcards.cend(),
+                     [&](const SubcardPrintKeyNoInfo& s) { return s.modelId == subcardModelId; });
+    if (card == device->subcards.cend()) return {};
     return SubcardPrintKeyNoInfo{subcardModelId, card->printKeyNos};
 }
 
-SubcardPrintKeyNoInfo PrintKeyNoConfig::getAuxPrintkeyNoCfg(int deviceModelId, int subcardModelId)
-{
+SubcardPrintKeyNoInfo PrintKeyNoConfig::getAuxPrintkeyNoCfg(int deviceModelId, int subcardModelId) {
     return getPrintKeyNoCfg(deviceModelId, subcardModelId);
 }
 

@@ -11,7 +11,7 @@ namespace ConfigModel {
 
 class LCD_CONFIGMODEL_EXPORT ConnectorConfigInterface {
 public:
-    virtual ~ConnectorConfigInterface();
+    virtual ~ConnectorConfigInterface() = default;
     virtual bool readConfig(const QString& path, QString& error) = 0;
 };
 

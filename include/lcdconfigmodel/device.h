@@ -11,7 +11,7 @@ namespace ConfigModel {
 
 class LCD_CONFIGMODEL_EXPORT DeviceConfigInterface {
 public:
-    virtual ~DeviceConfigInterface();
+    virtual ~DeviceConfigInterface() = default;
     virtual bool readConfig(const QString& path, QString& error) = 0;
 };
 

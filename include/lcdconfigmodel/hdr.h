@@ -11,7 +11,7 @@ namespace ConfigModel {
 
 class LCD_CONFIGMODEL_EXPORT IHDRConfig {
 public:
-    virtual ~IHDRConfig();
+    virtual ~IHDRConfig() = default;
     virtual void initInputConfig() = 0;
     virtual void initOutputConfig() = 0;
 };

@@ -13,7 +13,7 @@ namespace ConfigModel {
 
 class LCD_CONFIGMODEL_EXPORT IKeyCheckConfig {
 public:
-    virtual ~IKeyCheckConfig();
+    virtual ~IKeyCheckConfig() = default;
     // Appends the entries of the file at `path` (it does not clear the list).
     // false: `error` holds the reason and the list is as it was.
     virtual bool readConfig(const QString& path, QString& error) = 0;

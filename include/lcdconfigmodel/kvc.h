@@ -28,8 +28,7 @@ inline constexpr const char kComponentDescription[] = "{\"end\":0 }\r\n";
 
 // Static operations shared by all components; T must derive from its interface
 // with a virtual destructor.
-template <class T>
-class ComponentTmpl {
+template <class T> class ComponentTmpl {
 public:
     static ComponentInfo componentInfo;
 
@@ -42,10 +41,9 @@ public:
     static IMessageHandler* getMessageHandler(void*) { return nullptr; }
 
     // The descriptor of T, filled by the static initialiser of T's source file.
-    static ComponentInfo describe(const char* id)
-    {
-        return ComponentInfo{&ComponentTmpl::creator, &ComponentTmpl::deletor, &ComponentTmpl::getMessageHandler,
-                             id, kComponentDescription};
+    static ComponentInfo describe(const char* id) {
+        return ComponentInfo{&ComponentTmpl::creator, &ComponentTmpl::deletor,
+                             &ComponentTmpl::getMessageHandler, id, kComponentDescription};
     }
 };
 
@@ -73,8 +71,9 @@ struct PluginInfo {
 #define KVC_DECLARE_COMPONENT(Class) template <> kvc::ComponentInfo kvc::ComponentTmpl<Class>::componentInfo;
 
 // Defines and fills, in a component's source file, the descriptor of Class.
-#define KVC_REGISTER_COMPONENT(Class, Id)                                                                         \
-    template <> kvc::ComponentInfo kvc::ComponentTmpl<Class>::componentInfo = kvc::ComponentTmpl<Class>::describe(Id);
+#define KVC_REGISTER_COMPONENT(Class, Id)                                                                    \
+    template <>                                                                                              \
+    kvc::ComponentInfo kvc::ComponentTmpl<Class>::componentInfo = kvc::ComponentTmpl<Class>::describe(Id);
 
 extern "C" {
 // Stores the host framework's pointer; a second call replaces it.

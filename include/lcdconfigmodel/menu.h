@@ -11,7 +11,7 @@ namespace ConfigModel {
 
 class LCD_CONFIGMODEL_EXPORT MenuConfigInterface {
 public:
-    virtual ~MenuConfigInterface();
+    virtual ~MenuConfigInterface() = default;
     virtual bool readMenuItems(const QString& path, QString& error) = 0;
 };
 

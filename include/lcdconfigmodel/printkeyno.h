@@ -21,8 +21,7 @@ struct PrintKeyNoInfo {
     std::string printKeyNo; // UTF-8
     qint32 reserved = 0;    // not read from the file
 
-    bool operator==(const PrintKeyNoInfo& o) const
-    {
+    bool operator==(const PrintKeyNoInfo& o) const {
         return id == o.id && printKeyNo == o.printKeyNo && reserved == o.reserved;
     }
 };
@@ -32,8 +31,7 @@ struct SubcardPrintKeyNoInfo {
     qint32 modelId = -1;
     std::list<PrintKeyNoInfo> printKeyNos;
 
-    bool operator==(const SubcardPrintKeyNoInfo& o) const
-    {
+    bool operator==(const SubcardPrintKeyNoInfo& o) const {
         return modelId == o.modelId && printKeyNos == o.printKeyNos;
     }
 };
@@ -46,7 +44,7 @@ struct DevicePrintKeyNoInfo {
 
 class LCD_CONFIGMODEL_EXPORT IPrintKeyNoConfig {
 public:
-    virtual ~IPrintKeyNoConfig();
+    virtual ~IPrintKeyNoConfig() = default;
     // Appends one record per device element (it does not clear the table).
     // false: `error` holds the reason and the table is as it was.
     virtual bool readConfig(const QString& path, QString& error) = 0;

@@ -11,7 +11,7 @@ namespace ConfigModel {
 
 class LCD_CONFIGMODEL_EXPORT SubcardConfigInterface {
 public:
-    virtual ~SubcardConfigInterface();
+    virtual ~SubcardConfigInterface() = default;
     virtual bool readConfig(const QString& path, QString& error) = 0;
 };
 

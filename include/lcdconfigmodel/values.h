@@ -22,8 +22,7 @@ struct s_RangeValue {
     qint32 max = 255;
     double step = 1.0; // filled only where a file says so (the screen grid)
 
-    bool operator==(const s_RangeValue& o) const
-    {
+    bool operator==(const s_RangeValue& o) const {
         return std::tie(support, editable, value, dataType, min, max, step) ==
                std::tie(o.support, o.editable, o.value, o.dataType, o.min, o.max, o.step);
     }
@@ -64,8 +63,7 @@ struct s_OptionList {
     qint32 dataType = 0;
     std::vector<EnumValue> values;
 
-    bool operator==(const s_OptionList& o) const
-    {
+    bool operator==(const s_OptionList& o) const {
         return std::tie(support, editable, value, dataType, values) ==
                std::tie(o.support, o.editable, o.value, o.dataType, o.values);
     }
@@ -79,9 +77,9 @@ struct s_ValueSetting {
     qint32 value = 0;
     qint32 dataType = 0;
 
-    bool operator==(const s_ValueSetting& o) const
-    {
-        return std::tie(support, editable, value, dataType) == std::tie(o.support, o.editable, o.value, o.dataType);
+    bool operator==(const s_ValueSetting& o) const {
+        return std::tie(support, editable, value, dataType) ==
+               std::tie(o.support, o.editable, o.value, o.dataType);
     }
     bool operator!=(const s_ValueSetting& o) const { return !(*this == o); }
 };
@@ -95,8 +93,7 @@ struct s_TextRange {
     qint32 min = 0;
     qint32 max = 255;
 
-    bool operator==(const s_TextRange& o) const
-    {
+    bool operator==(const s_TextRange& o) const {
         return std::tie(support, editable, text, dataType, min, max) ==
                std::tie(o.support, o.editable, o.text, o.dataType, o.min, o.max);
     }
