@@ -218,3 +218,18 @@ QDomElement Section::lookup(const QDomElement& parent, const char* name, bool lo
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- element text as a number ---------------------------------------------
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+qint32 intText(const QDomElement& e)
+{
+    return e.text().toInt();
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

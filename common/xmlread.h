@@ -179,3 +179,17 @@ template <class T, class Read> bool transact(T& target, QString& error, const Lo
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- element text as a number ---------------------------------------------
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// The element's whole text as a decimal integer, without a success check:
+// empty or non-numeric text gives 0 (surrounding blanks are allowed).
+LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD
