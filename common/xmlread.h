@@ -187,6 +187,12 @@ bool transact(T& target, QString& error, const Loader& loader, Read&& read)
     return true;
 }
 
+// ---- texts kept as QString (menu) ------------------------------------------
+
+// The element's whole text content, for records that keep QString; empty for
+// a null element.
+LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
+
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
