@@ -215,6 +215,13 @@ QDomElement Section::lookup(const QDomElement& parent, const char* name, bool lo
     return e;
 }
 
+// ---- texts kept as QString (menu) ------------------------------------------
+
+QString elementText(const QDomElement& e)
+{
+    return e.text();
+}
+
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD

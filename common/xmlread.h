@@ -176,6 +176,12 @@ template <class T, class Read> bool transact(T& target, QString& error, const Lo
     return true;
 }
 
+// ---- texts kept as QString (menu) ------------------------------------------
+
+// The element's whole text content, for records that keep QString; empty for
+// a null element.
+LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
+
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
