@@ -240,3 +240,55 @@ qint32 intText(const QDomElement& e)
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// -----
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// ---- in-place reads and noted lookups (screen file) -----------------------
+
+void update(const QDomElement& e, Attrs attrs, s_RangeValue& out)
+{
+    if (!e.isNull())
+        readShape(e, attrs, out);
+}
+
+void update(const QDomElement& e, Attrs attrs, s_TextRange& out)
+{
+    if (!e.isNull())
+        readShape(e, attrs, out);
+}
+
+void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out)
+{
+    if (e.isNull())
+        return;
+    readShape(e, attrs, out);
+    if (list != ListFrom::None)
+        out.values = readValues<EnumValue>(e, list);
+}
+
+void updateInts(const QDomElement& e, std::initializer_list<IntField> fields)
+{
+    if (!e.isNull())
+        readInts(e, fields);
+}
+
+double doubleAttr(const QDomElement& e, const char* name, const char* def)
+{
+    return attr(e, name, def).toDouble();
+}
+
+QDomElement expect(const QDomElement& parent, const char* name, QString& error, const Loader& loader)
+{
+    QDomElement e = child(parent, name);
+    if (e.isNull())
+        error = loader.invalidNode(QLatin1String(name));
+    return e;
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

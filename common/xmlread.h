@@ -199,3 +199,45 @@ LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// -----
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// ---- in-place reads and noted lookups (screen file) -----------------------
+// For walks that fill a caller's record in place, where a missing element
+// keeps what the record held: a null element leaves `out` alone; otherwise
+// only the listed attributes are written, so a range's step and a text
+// range's text (unless "Value" is listed) are kept.
+
+LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_RangeValue& out);
+LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_TextRange& out);
+// As above; the values are rebuilt from `list` (ListFrom::None keeps them).
+LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out);
+// readInts on a present element; a null element leaves the fields alone.
+LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
+// Decimal number without a success check: absent or non-numeric gives 0.0.
+LCD_CONFIGMODEL_EXPORT double doubleAttr(const QDomElement& e, const char* name, const char* def = "");
+
+// An expected child whose absence does not end the walk: when it is missing,
+// `error` becomes "Invalid [%1] node." and the null element is returned.
+LCD_CONFIGMODEL_EXPORT QDomElement expect(const QDomElement& parent, const char* name, QString& error,
+                                          const Loader& loader);
+
+// The section transaction for one element of a repeated list: reads into a
+// fresh record and appends it to `list` only when the section is complete.
+template <class T, class Read>
+bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, Read&& read)
+{
+    T item{};
+    if (!transact(item, error, loader, std::forward<Read>(read)))
+        return false;
+    list.push_back(std::move(item));
+    return true;
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

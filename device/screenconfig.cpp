@@ -1,1 +1,269 @@
 #include "device/screenconfig.h"
+
+#include "common/document.h"
+#include "common/xmlread.h"
+
+namespace LCD {
+namespace ConfigModel {
+
+LCD_DEFINE_SINGLETON(ScreenConfigManager, Screen)
+
+namespace {
+
+using namespace Screen;
+using xml::child;
+using xml::forEachChild;
+using xml::intAttr;
+using xml::ListFrom;
+
+Loader screenLoader(LogSite site) {
+    return Loader{kDeviceFile, ScreenConfigManager::staticMetaObject.className(), site};
+}
+
+// Unless a default is written at the call, every attribute of a screen file is
+// read with an empty default: an absent attribute of a present element stores 0.
+const xml::Attrs kRange{{"Support", ""},  {"Editable", ""}, {"Value", ""},
+                        {"DataType", ""}, {"Min", ""},      {"Max", ""}};
+const xml::Attrs kOptionHeader{{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}};
+const xml::Attrs kNameLimits{{"DataType", ""}, {"Min", ""}, {"Max", ""}};
+
+// Range read: the six attributes; step is kept. A missing element keeps `out`.
+void readRangeValue(const QDomElement& e, s_RangeValue& out) {
+    xml::update(e, kRange, out);
+}
+
+// Option list read: the four header attributes, then "Value" of every child
+// element whatever its name. A missing element keeps `out`.
+void readOptionList(const QDomElement& e, s_OptionList& out) {
+    xml::update(e, kOptionHeader, ListFrom::AnyChild, out);
+}
+
+// "Support" and "Editable" of a group's own element.
+void readFlags(const QDomElement& e, qint32& support, qint32& editable) {
+    xml::updateInts(e, {{"Support", &support}, {"Editable", &editable}});
+}
+
+// ---- device modes ---------------------------------------------------------
+
+s_Cell readCell(const QDomElement& e) {
+    s_Cell c;
+    xml::readInts(e, {{"X", &c.x},
+                      {"Y", &c.y},
+                      {"Width", &c.width},
+                      {"Height", &c.height},
+                      {"Row", &c.row},
+                      {"Column", &c.column},
+                      {"SlotIndex", &c.slotIndex},
+                      {"ConnectorIndex", &c.connectorIndex}});
+    return c;
+}
+
+s_Layout readLayout(const QDomElement& e) {
+    s_Layout layout;
+    xml::readInts(e, {{"Rows", &layout.rows}, {"Columns", &layout.columns}, {"ScreenId", &layout.screenId}});
+    forEachChild(e, [&](const QDomElement& cell) { layout.cells.push_back(readCell(cell)); });
+    return layout;
+}
+
+s_Templete readTemplete(const QDomElement& e) {
+    s_Templete t;
+    const QDomElement name = child(e, "Name");
+    t.name = {xml::textAttr(name, "en"), xml::textAttr(name, "zh_CN")};
+    const QDomElement size = child(e, "PhysicalSize");
+    readRangeValue(child(size, "DotPitch"), t.physicalSize.dotPitch);
+    readRangeValue(child(size, "Width"), t.physicalSize.width);
+    readRangeValue(child(size, "Height"), t.physicalSize.height);
+    readOptionList(child(size, "Unit"), t.physicalSize.unit);
+    forEachChild(child(e, "Layouts"),
+                 [&](const QDomElement& layout) { t.layouts.push_back(readLayout(layout)); });
+    return t;
+}
+
+s_LayerType readLayerType(const QDomElement& e) {
+    s_LayerType l;
+    l.value = intAttr(e, "Value");
+    xml::updateInts(child(e, "LayerCount"),
+                    {{"Max", &l.layerCount.max, "1"}, {"Valid", &l.layerCount.valid, "1"}});
+    xml::update(child(e, "Unit"), {{"Value", "1"}, {"DataType", "1"}}, ListFrom::AnyChild, l.unit);
+    return l;
+}
+
+// A device mode is complete only with "PVW" and "Templetes".
+void readDeviceMode(xml::Section& s, const QDomElement& e, s_DeviceMode& mode) {
+    mode.value = intAttr(e, "Value");
+    const QDomElement pvw = s.need(e, "PVW");
+    xml::readInts(pvw, {{"Support", &mode.pvw.support, "1"}, {"SoftImp", &mode.pvw.softImp, "1"}});
+    const QDomElement templetes = s.need(e, "Templetes");
+    if (!s.complete()) return;
+    mode.templetesValue = intAttr(templetes, "Value", "1");
+    forEachChild(templetes, [&](const QDomElement& t) { mode.templetes.push_back(readTemplete(t)); });
+    forEachChild(child(e, "LayerTypes"),
+                 [&](const QDomElement& l) { mode.layerTypes.push_back(readLayerType(l)); });
+}
+
+// ---- feature tree ---------------------------------------------------------
+
+void readGeneral(const QDomElement& features, s_General& out) {
+    const QDomElement general = child(features, "General");
+    if (general.isNull()) return; // "NameGB2312" is read only beside a "General"
+    readFlags(general, out.support, out.editable);
+    if (const QDomElement name = child(general, "Name"); !name.isNull()) {
+        out.prefix = xml::textAttr(name, "Prefix");
+        xml::update(name, kNameLimits, out.name);
+    }
+    xml::update(child(features, "NameGB2312"), kNameLimits, out.nameGB2312);
+}
+
+// Support, editable and the actual and preset lists of one colour setting.
+void readColorSetting(const QDomElement& e, const char* actual, const char* preset, s_ColorSetting& out) {
+    readFlags(e, out.support, out.editable);
+    readOptionList(child(e, actual), out.actual);
+    readOptionList(child(e, preset), out.preset);
+}
+
+// A timing axis starts from its defaults; "SyncPolarity" gives only the four
+// header attributes (its min and max stay 0 and 255, its children are not kept).
+s_TimingAxis readTimingAxis(const QDomElement& e) {
+    s_TimingAxis axis;
+    readFlags(e, axis.support, axis.editable);
+    readRangeValue(child(e, "AddTime"), axis.addTime);
+    readRangeValue(child(e, "FrontPorch"), axis.frontPorch);
+    readRangeValue(child(e, "Sync"), axis.sync);
+    xml::update(child(e, "SyncPolarity"), kOptionHeader, axis.polarity);
+    readRangeValue(child(e, "TotalTime"), axis.totalTime);
+    return axis;
+}
+
+void readTiming(const QDomElement& e, s_Timing& out) {
+    readFlags(e, out.support, out.editable);
+    readOptionList(child(e, "Interlaced"), out.interlaced);
+    readRangeValue(child(e, "Refresh"), out.refresh);
+    out.horizontal = readTimingAxis(child(e, "Horizontal"));
+    out.vertical = readTimingAxis(child(e, "Vertical"));
+}
+
+void readFeather(const QDomElement& e, s_Feather& out) {
+    readFlags(e, out.support, out.editable);
+    xml::update(child(e, "Enable"), kOptionHeader, ListFrom::None, out.enable);
+    readOptionList(child(e, "Type"), out.type);
+    readRangeValue(child(e, "Gamma"), out.gamma);
+    readRangeValue(child(e, "Width"), out.width);
+}
+
+void readRefOutputPara(const QDomElement& e, s_RefOutputPara& out) {
+    xml::updateInts(e, {{"Support", &out.support},
+                        {"Editable", &out.editable},
+                        {"CustomBuild", &out.customBuild},
+                        {"CustomDelete", &out.customDelete}});
+    readColorSetting(child(e, "ColorDepths"), "ActualColorDepth", "PresetColorDepth", out.colorDepths);
+    readColorSetting(child(e, "ColorSpaces"), "ActualColorSpace", "PresetColorSpace", out.colorSpaces);
+    readColorSetting(child(e, "ColorRanges"), "ActualColorRange", "PresetColorRange", out.colorRanges);
+    readOptionList(child(e, "FormatMapping"), out.formatMapping);
+    readTiming(child(e, "Timing"), out.timing);
+    readFeather(child(e, "Feather"), out.feather);
+}
+
+// The mosaic group is built fresh and stored whole.
+s_Mosaic readMosaic(const QDomElement& e) {
+    s_Mosaic m;
+    readFlags(e, m.support, m.editable);
+    readOptionList(child(e, "Type"), m.type);
+    const QDomElement window = child(e, "Window"); // its own flags are not read
+    readRangeValue(child(window, "X"), m.window.x);
+    readRangeValue(child(window, "Y"), m.window.y);
+    readRangeValue(child(window, "Width"), m.window.width);
+    readRangeValue(child(window, "Height"), m.window.height);
+    readRefOutputPara(child(e, "RefOutputPara"), m.refOutputPara);
+    return m;
+}
+
+void readTestPattern(const QDomElement& e, s_TestPattern& out) {
+    readFlags(e, out.support, out.editable);
+    readOptionList(child(e, "Enable"), out.enable);
+    readOptionList(child(e, "Type"), out.type);
+    readOptionList(child(e, "Bright"), out.bright);
+    readOptionList(child(e, "GridGear"), out.gridGear);
+    if (const QDomElement grid = child(e, "GridPixel"); !grid.isNull()) {
+        readRangeValue(grid, out.gridPixel);
+        out.gridPixel.step = xml::doubleAttr(grid, "Coefficient");
+    }
+    readOptionList(child(e, "GridType"), out.gridType);
+    readRangeValue(child(e, "GridLineWidth"), out.gridLineWidth);
+    readOptionList(child(e, "Speed"), out.speed);
+}
+
+// Nothing here fails the load; a missing group keeps what `f` held. Only the
+// presence-checked groups write a message, so the last one missing remains.
+void readFeatures(const QDomElement& e, const Loader& loader, QString& error, s_Features& f) {
+    readGeneral(e, f.general);
+    if (const QDomElement mosaic = child(e, "Mosaic"); !mosaic.isNull()) f.mosaic = readMosaic(mosaic);
+    const QDomElement background = child(e, "BackgroundColor");
+    readFlags(background, f.backgroundColor.support, f.backgroundColor.editable);
+    readRangeValue(child(background, "R"), f.backgroundColor.r);
+    readRangeValue(child(background, "G"), f.backgroundColor.g);
+    readRangeValue(child(background, "B"), f.backgroundColor.b);
+    const QDomElement layout = child(e, "Layout");
+    readFlags(layout, f.layout.support, f.layout.editable);
+    readRangeValue(child(layout, "X"), f.layout.x);
+    readRangeValue(child(layout, "Y"), f.layout.y);
+    readOptionList(child(e, "PGMEdit"), f.pgmEdit);
+    readOptionList(child(e, "Selected"), f.selected);
+    xml::expect(e, "ImageQuality", error, loader);
+    readOptionList(child(e, "Freeze"), f.freeze);
+    xml::expect(e, "FTB", error, loader);
+    readTestPattern(xml::expect(e, "TestPattern", error, loader), f.testPattern);
+    for (const char* name : {"SwitchEffect", "Tbar", "HDR", "Genlock"})
+        xml::expect(e, name, error, loader);
+}
+
+// ---- the screen -----------------------------------------------------------
+
+void readScreen(const QDomElement& e, const Loader& loader, QString& error, s_VrnScreen& screen) {
+    xml::readInts(e, {{"Type", &screen.type},
+                      {"Support", &screen.support},
+                      {"SpliceMode", &screen.spliceMode},
+                      {"IncompleteSplicing", &screen.incompleteSplicing},
+                      {"CustomBuild", &screen.customBuild},
+                      {"CustomDelete", &screen.customDelete},
+                      {"Editable", &screen.editable},
+                      {"LimitNum", &screen.limitNum}});
+
+    if (const QDomElement modes = xml::expect(e, "DeviceModes", error, loader); !modes.isNull()) {
+        screen.deviceModesInfo = xml::readPair(modes, "1", "1");
+        std::vector<s_DeviceMode> list; // replaces the record's list
+        forEachChild(modes, [&](const QDomElement& mode) {
+            xml::appendComplete(list, error, loader,
+                                [&](xml::Section& s, s_DeviceMode& out) { readDeviceMode(s, mode, out); });
+        });
+        screen.deviceModes = std::move(list);
+    }
+
+    if (const QDomElement features = xml::expect(e, "Features", error, loader); !features.isNull())
+        readFeatures(features, loader, error, screen.features);
+}
+
+} // namespace
+
+bool ScreenConfigManager::parseDeviceScreencfg(const QString& path, QString& error,
+                                               Screen::s_VrnScreen& screen) {
+    QDomDocument doc;
+    return loadDocument(path, screenLoader(LCD_LOG_SITE), doc, error) &&
+           parseDeviceScreencfg(doc, error, screen);
+}
+
+bool ScreenConfigManager::parseDeviceScreencfg(const QDomDocument& doc, QString& error,
+                                               Screen::s_VrnScreen& screen) {
+    const Loader loader = screenLoader(LCD_LOG_SITE);
+    if (!checkDocumentRoot(doc, loader, error)) return false;
+    // Only the first "Screen" is read; without the three the file is unusable.
+    xml::Section required(error, loader);
+    const QDomElement device = required.need(doc.documentElement(), "Device");
+    const QDomElement screens = required.need(device, "Screens");
+    const QDomElement e = required.need(screens, "Screen");
+    if (!required.complete()) return false;
+    readScreen(e, loader, error, screen);
+    return true;
+}
+
+} // namespace ConfigModel
+} // namespace LCD
