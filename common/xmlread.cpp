@@ -266,3 +266,21 @@ QDomElement Section::lookup(const QDomElement& parent, const char* name, bool lo
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- additions: children by position --------------------------------------
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+QDomElement childAt(const QDomElement& parent, int position)
+{
+    QDomElement e = firstChild(parent);
+    for (; position > 0 && !e.isNull(); --position)
+        e = next(e);
+    return e;
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD
