@@ -292,3 +292,21 @@ QDomElement expect(const QDomElement& parent, const char* name, QString& error, 
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- additions: children by position --------------------------------------
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+QDomElement childAt(const QDomElement& parent, int position)
+{
+    QDomElement e = firstChild(parent);
+    for (; position > 0 && !e.isNull(); --position)
+        e = next(e);
+    return e;
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

@@ -241,3 +241,44 @@ bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, 
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- additions: several fields as one section, children by position -------
+
+#include <tuple>
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// Section transaction over several fields of one record, named with
+// std::tie(a, b, c): `read(Section&, std::tuple<A, B, C>&)` fills fresh
+// copies, which are assigned to the fields only when the section is complete.
+template <class... Ts, class Read>
+bool transact(std::tuple<Ts&...>&& targets, QString& error, const Loader& loader, Read&& read)
+{
+    std::tuple<Ts...> local{};
+    Section section(error, loader);
+    read(section, local);
+    if (!section.complete())
+        return false;
+    targets = std::move(local);
+    return true;
+}
+
+// The child element at `position` (0 = first) whatever its name; null when
+// `parent` has fewer children.
+LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
+
+// Every child element of any name read with `read(const QDomElement&)` into
+// one entry, in file order.
+template <class Read>
+auto readChildren(const QDomElement& parent, Read&& read) -> std::vector<decltype(read(parent))>
+{
+    std::vector<decltype(read(parent))> out;
+    forEachChild(parent, [&](const QDomElement& e) { out.push_back(read(e)); });
+    return out;
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD
