@@ -266,3 +266,20 @@ QDomElement Section::lookup(const QDomElement& parent, const char* name, bool lo
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- lenient readers of the layer file --------------------------------------
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list)
+{
+    if (e.isNull())
+        return;
+    out = readOptions(e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}}, list);
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD
