@@ -310,3 +310,20 @@ QDomElement childAt(const QDomElement& parent, int position)
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- lenient readers of the layer file --------------------------------------
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list)
+{
+    if (e.isNull())
+        return;
+    out = readOptions(e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}}, list);
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

@@ -282,3 +282,37 @@ auto readChildren(const QDomElement& parent, Read&& read) -> std::vector<decltyp
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+// ---- lenient readers of the layer file --------------------------------------
+// Appended in a block of their own: an enumerated setting and a range with
+// 64-bit limits, both in the lenient manner of readRangeLenient.
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// Lenient enumerated setting: a null element leaves `out` alone; otherwise the
+// whole record is replaced, "Support" and "Editable" defaulting to "1",
+// "DataType" and "Value" to "0", the values taken from `list`.
+LCD_CONFIGMODEL_EXPORT void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list);
+
+// Lenient range whose limits are 64-bit: as readRangeLenient ("Support" and
+// "Editable" default "1", the rest "0"); "Min" and "Max" are converted as
+// 32-bit decimals and widened. `W` has support, editable, value, dataType and
+// 64-bit min and max.
+template <class W>
+void readWideRangeLenient(const QDomElement& e, W& out)
+{
+    if (e.isNull())
+        return;
+    readInts(e, {{"Support", &out.support, "1"},
+                 {"Editable", &out.editable, "1"},
+                 {"DataType", &out.dataType, "0"},
+                 {"Value", &out.value, "0"}});
+    out.min = qint64{intAttr(e, "Min", "0")};
+    out.max = qint64{intAttr(e, "Max", "0")};
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

@@ -1,1 +1,83 @@
 #include "device/crosscardconfig.h"
+
+#include "common/xmlread.h"
+
+namespace LCD {
+namespace ConfigModel {
+
+using namespace xml;
+
+LCD_DEFINE_SINGLETON(CrosscardConfigManager, CrossCard)
+
+namespace {
+
+// Not a Qt object: its texts use the translation context of QObject.
+Loader crossCardLoader(const LogSite& site) {
+    return Loader{kDeviceFile, "QObject", site};
+}
+
+CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
+    CrossCard::s_CrossConnectorGroups group;
+    group.groupId = intAttr(e, "GroupId");
+    forEachRepeated(e, "Connector", [&](const QDomElement& c) {
+        CrossCard::s_CrossConnectorGroup connector;
+        readInts(c, {{"ModuleId", &connector.moduleId},
+                     {"Slot", &connector.slot},
+                     {"Position", &connector.position},
+                     {"IsMain", &connector.isMain},
+                     {"ConvertTimingPriority", &connector.convertTimingPriority}});
+        group.connectors.push_back(connector);
+    });
+    return group;
+}
+
+// A device mode without "Capacity" or "Groups" has no groups.
+CrossCard::s_CrossDeviceMode readDeviceMode(const QDomElement& e) {
+    CrossCard::s_CrossDeviceMode mode;
+    mode.value = intAttr(e, "Value");
+    forEachRepeated(child(child(e, "Capacity"), "Groups"), "Group",
+                    [&](const QDomElement& g) { mode.groups.push_back(readGroup(g)); });
+    return mode;
+}
+
+} // namespace
+
+CrosscardConfigManager::CrosscardConfigManager() = default;
+CrosscardConfigManager::~CrosscardConfigManager() = default;
+
+bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QString& path, QString& error,
+                                                     CrossCard::s_CrossSubcards& subcards) {
+    QDomDocument doc;
+    return loadDocument(path, crossCardLoader(LCD_LOG_SITE), doc, error) &&
+           parseDeviceCrosscardcfg(doc, error, subcards);
+}
+
+bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QDomDocument& doc, QString& error,
+                                                     CrossCard::s_CrossSubcards& subcards) {
+    const Loader loader = crossCardLoader(LCD_LOG_SITE);
+    if (!checkDocumentRoot(doc, loader, error)) return false;
+    Section s(error, loader);
+    const QDomElement list = s.need(s.need(doc.documentElement(), "Device"), "Subcards");
+    if (!s.complete()) return false;
+    forEachRepeated(list, "Subcard", [&](const QDomElement& e) {
+        CrossCard::s_CrossSubcard subcard;
+        subcardInfo(e, subcard);
+        subcards.push_back(std::move(subcard));
+    });
+    return true;
+}
+
+void CrosscardConfigManager::subcardInfo(const QDomElement& element, CrossCard::s_CrossSubcard& subcard) {
+    subcard.moduleId = intAttr(element, "Value");
+    // A missing grouping element reads as its defaults: 1, 1 and offset 100.
+    subcard.interfaceGroup = readPair(child(element, "InterfaceGroup"), "1", "1");
+    const QDomElement deviceGroup = child(element, "DeviceInterfaceGroup");
+    subcard.deviceInterfaceGroup = readPair(deviceGroup, "1", "1");
+    subcard.offset = intAttr(deviceGroup, "Offset", "100");
+    // Every sibling after the first "DeviceMode" is a device mode, whatever its name.
+    forEachRepeated(element, "DeviceMode",
+                    [&](const QDomElement& e) { subcard.deviceModes.push_back(readDeviceMode(e)); });
+}
+
+} // namespace ConfigModel
+} // namespace LCD

@@ -8,6 +8,17 @@ public slots:
 signals:
 };
 
+// A host that keeps the keywords names the records' `slots` fields with the
+// macro pushed away.
+#pragma push_macro("slots")
+#undef slots
+static int addInputSlot(LCD::ConfigModel::Slot::s_VrnSolt& record, int index) {
+    record.slots.inputCardSlots.slots.push_back({index, {}});
+    return static_cast<int>(record.slots.inputCardSlots.slots.size());
+}
+#pragma pop_macro("slots")
+
 int main() {
-    return 0;
+    LCD::ConfigModel::Slot::s_VrnSolt record;
+    return addInputSlot(record, 1) == 1 ? 0 : 1;
 }
