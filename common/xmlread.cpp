@@ -263,6 +263,27 @@ QDomElement Section::lookup(const QDomElement& parent, const char* name, bool lo
     return e;
 }
 
+// ---- card catalogue walks --------------------------------------------------
+
+void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers)
+{
+    forEachChild(parent, [&](const QDomElement& e) {
+        const QString tag = e.tagName();
+        for (const TagHandler& h : handlers) {
+            if (tag == QLatin1String(h.tag)) {
+                h.read(e);
+                return;
+            }
+        }
+    });
+}
+
+QDomElement childReported(const QDomElement& parent, const char* name, QString& error, const Loader& loader)
+{
+    Section section(error, loader);
+    return section.needLogged(parent, name);
+}
+
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
