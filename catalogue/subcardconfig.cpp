@@ -22,9 +22,10 @@ namespace {
 // The catalogue is no Qt object: its texts use the base object's context.
 const char kTrContext[] = "QObject";
 
-// Every "*.xml" file of `path` and of its direct sub-directories: the
-// directory itself first ("." sorts before every name), then each
-// sub-directory by name, the files of each in name order ignoring case.
+// Every "*.xml" file of `path` and of its direct sub-directories, deeper
+// levels unread. The directory itself is listed as "." among its
+// sub-directories in name order (so before any name that begins with a letter
+// or digit); the files of each in name order, ignoring case.
 QStringList catalogueFiles(const QString& path) {
     QStringList files;
     const QDir top(path);
