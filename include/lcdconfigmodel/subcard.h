@@ -322,7 +322,9 @@ public:
 
     // Appends the card models of every "*.xml" file under the directory `path`
     // (its direct sub-directories included; a missing directory is created).
-    // false: `error` holds the reason; the models read before stay.
+    // false: `error` holds the reason; the models read before stay. true may
+    // still leave the message of a skipped file or a missing optional section
+    // in `error` (the last one).
     virtual bool readConfig(const QString& path, QString& error) = 0;
     // The catalogue in load order.
     virtual const std::vector<Subcard::s_Subcard>& subcardConfig() const = 0;
