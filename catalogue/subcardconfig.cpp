@@ -1,17 +1,456 @@
 #include "catalogue/subcardconfig.h"
 
+#include "common/document.h"
+#include "common/xmlread.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QDir>
+
+#include <algorithm>
+#include <utility>
+
 KVC_REGISTER_COMPONENT(LCD::ConfigModel::SubcardConfigManager, "tavio.lcd.configmodel.subcard")
 
 namespace LCD {
 namespace ConfigModel {
 
+using namespace Subcard;
+using namespace xml;
+
+namespace {
+
+// The catalogue is no Qt object: its texts use the base object's context.
+const char kTrContext[] = "QObject";
+
+// Every "*.xml" file of `path` and of its direct sub-directories, deeper
+// levels unread. The directory itself is listed as "." among its
+// sub-directories in name order (so before any name that begins with a letter
+// or digit); the files of each in name order, ignoring case.
+QStringList catalogueFiles(const QString& path) {
+    QStringList files;
+    const QDir top(path);
+    for (const QString& dir : top.entryList(QDir::Dirs | QDir::NoDotDot, QDir::DirsLast)) {
+        const QDir level(QDir::cleanPath(top.absoluteFilePath(dir)));
+        const QFileInfoList xmlFiles =
+            level.entryInfoList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
+        for (const QFileInfo& file : xmlFiles)
+            files << file.absoluteFilePath();
+    }
+    return files;
+}
+
+// ---- one reader per record, in walk order ---------------------------------
+// Every integer is read with an empty default: absent or non-numeric gives 0.
+
+s_Association readAssociation(const QDomElement& e) {
+    s_Association a;
+    readInts(e, {{"ModelId", &a.modelId}, {"CardMode", &a.cardMode}});
+    return a;
+}
+
+// The nine connector attributes, the same in every connector list of a card.
+void readConnectorAttrs(const QDomElement& e, s_Connector& c) {
+    readInts(e, {{"Type", &c.type},
+                 {"InterfaceType", &c.interfaceType},
+                 {"Position", &c.position},
+                 {"Enable", &c.enable},
+                 {"PrintKeyNo", &c.printKeyNo},
+                 {"Visible", &c.visible},
+                 {"CapacityMode", &c.capacityMode},
+                 {"WorkMode", &c.workMode},
+                 {"BackupPos", &c.backupPos}});
+}
+
+s_Connector readConnector(const QDomElement& e) {
+    s_Connector c;
+    readConnectorAttrs(e, c);
+    return c;
+}
+
+// "Types": the preset thumbnail timings of each connector type.
+
+s_ResolutionRatio readResolutionRatio(const QDomElement& capacityMode) {
+    s_ResolutionRatio ratio;
+    const QDomElement first =
+        child(child(capacityMode, "ResolutionRatios"), "ResolutionRatio"); // only the first
+    readInts(first, {{"Width", &ratio.width}, {"Height", &ratio.height}, {"Interlaced", &ratio.interlaced}});
+    forEachChild(child(capacityMode, "Refreshs"),
+                 [&](const QDomElement& refresh) { ratio.refreshs.push_back(textAttr(refresh, "Value")); });
+    return ratio;
+}
+
+s_TypesConnector readTypesConnector(const QDomElement& e) {
+    s_TypesConnector type;
+    s_PresetThumbTiming& timing = type.presetThumbTiming;
+    type.type = intAttr(e, "Type");
+    const QDomElement preset = child(e, "PresetThumbTiming");
+    readInts(preset, {{"Support", &timing.support}, {"Editable", &timing.editable}});
+    const QDomElement interfaceElement = child(preset, "Interface");
+    timing.interfaceType = intAttr(interfaceElement, "Type");
+    forEachNamed(child(interfaceElement, "WorkModes"), "WorkMode", [&](const QDomElement& workMode) {
+        forEachNamed(child(workMode, "CapacityModes"), "CapacityMode", [&](const QDomElement& capacityMode) {
+            qDebug().noquote() << "CapacityMode Value:" << intAttr(capacityMode, "Value"); // logged, not kept
+            timing.resolutionRatios.push_back(readResolutionRatio(capacityMode));
+        });
+    });
+    return type;
+}
+
+s_TypesGroups readConnectorTypes(const QDomElement& types) {
+    s_TypesGroups list;
+    forEachNamed(types, "Connector", [&](const QDomElement& e) { list.push_back(readTypesConnector(e)); });
+    return list;
+}
+
+// "DeviceMode" under "Connectors": its capacities and their connectors.
+
+s_ConnectorInConnectorsDeviceModeCapacitysCapacity readCapacityConnector(const QDomElement& e) {
+    s_ConnectorInConnectorsDeviceModeCapacitysCapacity c;
+    readConnectorAttrs(e, c);
+    c.groupId = intAttr(e, "GroupId");
+    c.dynamicRange = readValueSetting(child(e, "DynamicRange"),
+                                      {{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}});
+    return c;
+}
+
+s_CapacityInConnectorsDeviceModeCapacitys readConnectorsCapacity(const QDomElement& e) {
+    s_CapacityInConnectorsDeviceModeCapacitys capacity;
+    capacity.name = textAttr(e, "Name");
+    readInts(e, {{"Enable", &capacity.enable}, {"Value", &capacity.value}});
+    capacity.connectors = readEachChild(e, readCapacityConnector);
+    return capacity;
+}
+
+s_DeviceModeInConnectors readConnectorsDeviceMode(const QDomElement& e) {
+    s_DeviceModeInConnectors mode;
+    mode.value = intAttr(e, "Value");
+    const QDomElement capacitys = child(e, "Capacitys");
+    mode.capacitysValue = intAttr(capacitys, "Value");
+    mode.capacitys = readEachChild(capacitys, readConnectorsCapacity);
+    return mode;
+}
+
+// "Connectors": each child goes to the list of its tag name, others are skipped.
+s_Connectors readConnectors(const QDomElement& e) {
+    s_Connectors out;
+    forEachChildByTag(
+        e, {
+               {"Types", [&](const QDomElement& t) { out.types = readConnectorTypes(t); }},
+               {"Connector", [&](const QDomElement& c) { out.connectors.push_back(readConnector(c)); }},
+               {"DeviceMode",
+                [&](const QDomElement& m) { out.deviceModes.push_back(readConnectorsDeviceMode(m)); }},
+           });
+    return out;
+}
+
+// "ConnectorGroups": its one "Capacity" is required.
+
+s_ConnectorGroup readConnectorGroup(const QDomElement& e) {
+    s_ConnectorGroup group;
+    readInts(e, {{"Value", &group.value}, {"SelectNum", &group.selectNum}});
+    group.connectors = readEachChild(e, readConnector);
+    return group;
+}
+
+bool readConnectorGroups(const QDomElement& groups, s_Capacity& out, QString& error, const Loader& loader) {
+    return transact(out, error, loader, [&](Section& s, s_Capacity& capacity) {
+        capacity.groupsValue = intAttr(groups, "Value");
+        const QDomElement c = s.need(groups, "Capacity");
+        capacity.name = textAttr(c, "Name");
+        capacity.value = intAttr(c, "Value");
+        capacity.groups = readEachChild(c, readConnectorGroup);
+    });
+}
+
+// "CapacityGroups": each capacity requires its "DeviceModes".
+
+s_ConnectorInCapacityGroups readCapacityGroupConnector(const QDomElement& e) {
+    s_ConnectorInCapacityGroups c;
+    readInts(e, {{"Position", &c.position},
+                 {"Enable", &c.enable},
+                 {"Visible", &c.visible},
+                 {"CapacityMode", &c.capacityMode},
+                 {"WorkMode", &c.workMode},
+                 {"BackupPos", &c.backupPos}});
+    return c;
+}
+
+s_DeviceMode readDeviceMode(const QDomElement& e) {
+    s_DeviceMode mode;
+    mode.value = intAttr(e, "Value");
+    mode.connectors = readEachChild(e, readCapacityGroupConnector);
+    return mode;
+}
+
+bool readCapacityGroup(const QDomElement& e, s_CapacityInCapacityGroups& out, QString& error,
+                       const Loader& loader) {
+    return transact(out, error, loader, [&](Section& s, s_CapacityInCapacityGroups& capacity) {
+        capacity.name = textAttr(e, "Name");
+        readInts(e, {{"Enable", &capacity.enable}, {"Value", &capacity.value}});
+        capacity.deviceModes = readEachChild(s.need(e, "DeviceModes"), readDeviceMode);
+    });
+}
+
+s_Section readSection(const QDomElement& e) {
+    return s_Section{intAttr(e, "Code")};
+}
+
+// "ConnectorCopy": capacity -> device mode -> group -> connector positions.
+
+s_ConnectorInfo readConnectorInfo(const QDomElement& e) {
+    return s_ConnectorInfo{intAttr(e, "Position")};
+}
+
+s_ConnectorGroupInfo readCopyGroup(const QDomElement& e) {
+    return s_ConnectorGroupInfo{intAttr(e, "Value"), readEachChild(e, readConnectorInfo)};
+}
+
+s_DeviceModeInfo readCopyDeviceMode(const QDomElement& e) {
+    return s_DeviceModeInfo{intAttr(e, "Value"), readEachChild(e, readCopyGroup)};
+}
+
+s_CapacityInfo readCopyCapacity(const QDomElement& e) {
+    s_CapacityInfo capacity;
+    capacity.name = textAttr(e, "Name");
+    readInts(e, {{"Enable", &capacity.enable}, {"Value", &capacity.value}});
+    capacity.deviceModes = readEachChild(e, readCopyDeviceMode);
+    return capacity;
+}
+
+s_ConnectorCopy readConnectorCopy(const QDomElement& e) {
+    s_ConnectorCopy copy;
+    readInts(e, {{"Support", &copy.support}, {"Editable", &copy.editable}, {"Value", &copy.value}});
+    const QDomElement related = child(e, "MainRelated");
+    copy.mainRelated = readPair(related, "", "");
+    copy.capacityInfos = readEachChild(related, readCopyCapacity);
+    return copy;
+}
+
+// One card. A missing "Name", "zh_CN", "en", connector-group "Capacity" or
+// capacity-group "DeviceModes" is fatal (false); a missing "Associations",
+// "ConnectorGroups", "CapacityGroups" or "Sections" is reported and skipped.
+bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loader& loader) {
+    readInts(e, {{"ModelId", &card.modelId}, {"CardMode", &card.cardMode}});
+    card.interlacedMaxCount = attr(e, "InterlacedMaxCount").toUShort();
+    card.associations = readEachChild(childReported(e, "Associations", error, loader), readAssociation);
+
+    const bool named = transact(card.name, error, loader, [&](Section& s, s_Name& name) {
+        const QDomElement n = s.need(e, "Name");
+        name.zhCN = firstNodeText(s.need(n, "zh_CN"));
+        name.en = firstNodeText(s.need(n, "en"));
+    });
+    if (!named) return false;
+
+    card.connectors = readConnectors(child(e, "Connectors"));
+
+    const QDomElement groups = childReported(e, "ConnectorGroups", error, loader);
+    if (!groups.isNull() && !readConnectorGroups(groups, card.capacity, error, loader)) return false;
+
+    const bool capacitiesRead =
+        forEachChildWhile(childReported(e, "CapacityGroups", error, loader), [&](const QDomElement& c) {
+            s_CapacityInCapacityGroups capacity;
+            if (!readCapacityGroup(c, capacity, error, loader)) return false;
+            card.capacityGroups.push_back(std::move(capacity));
+            return true;
+        });
+    if (!capacitiesRead) return false;
+
+    card.sections = readEachChild(childReported(e, "Sections", error, loader), readSection);
+    card.connectorCopy = readConnectorCopy(child(e, "ConnectorCopy"));
+    return true;
+}
+
+// One catalogue file. Cards are appended one by one, so a fatal card ends the
+// load and keeps the cards before it. A file without "Subcards" is skipped.
+bool readCatalogueFile(const QDomElement& root, std::vector<s_Subcard>& catalogue, QString& error,
+                       const Loader& loader) {
+    if (!root.hasChildNodes()) return true; // an empty root is skipped without a message
+    const QDomElement cards = child(root, "Subcards");
+    if (cards.isNull()) {
+        error = loader.invalidNode(QStringLiteral("Subcards"));
+        return true;
+    }
+    return forEachChildWhile(cards, [&](const QDomElement& e) {
+        s_Subcard card;
+        if (!readCard(e, card, error, loader)) return false;
+        catalogue.push_back(std::move(card));
+        return true;
+    });
+}
+
+// ---- searches ------------------------------------------------------------
+
+// The first element of `list` at `position`; null when none.
+template <class T> const T* atPosition(const std::vector<T>& list, int position) {
+    const auto it =
+        std::find_if(list.begin(), list.end(), [&](const T& x) { return x.position == position; });
+    return it == list.end() ? nullptr : &*it;
+}
+
+// The first non-null answer of `find` over the cards of `modelId`.
+template <class Find>
+auto firstHit(const std::vector<s_Subcard>& cards, int modelId, Find&& find)
+    -> decltype(find(cards.front())) {
+    for (const s_Subcard& card : cards) {
+        if (card.modelId != modelId) continue;
+        if (const auto hit = find(card)) return hit;
+    }
+    return nullptr;
+}
+
+// `visit` on every card of `modelId`, in catalogue order.
+template <class Visit> void forEachCard(const std::vector<s_Subcard>& cards, int modelId, Visit&& visit) {
+    for (const s_Subcard& card : cards) {
+        if (card.modelId == modelId) visit(card);
+    }
+}
+
+// The first non-null answer of `find` over the capacities `capacity` of device
+// mode `deviceMode` under the cards' "Connectors".
+template <class Hit, class Find>
+const Hit* firstCapacityHit(const std::vector<s_Subcard>& cards, int modelId, int capacity, int deviceMode,
+                            Find&& find) {
+    return firstHit(cards, modelId, [&](const s_Subcard& card) -> const Hit* {
+        for (const s_DeviceModeInConnectors& mode : card.connectors.deviceModes) {
+            if (mode.value != deviceMode) continue;
+            for (const s_CapacityInConnectorsDeviceModeCapacitys& c : mode.capacitys) {
+                if (c.value != capacity) continue;
+                if (const Hit* hit = find(c)) return hit;
+            }
+        }
+        return nullptr;
+    });
+}
+
+} // namespace
+
 
 SubcardConfigManager::SubcardConfigManager() = default;
 SubcardConfigManager::~SubcardConfigManager() = default;
 
-bool SubcardConfigManager::readConfig(const QString&, QString&)
-{
+bool SubcardConfigManager::readConfig(const QString& path, QString& error) {
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
+    if (!prepareDirectory(path, loader, error)) return false;
+    for (const QString& file : catalogueFiles(path)) {
+        QDomDocument doc;
+        if (!parseDocumentFile(file, loader, doc, error) || !checkDocumentRoot(doc, loader, error))
+            return false;
+        if (!readCatalogueFile(doc.documentElement(), m_subcards, error, loader)) return false;
+    }
     return true;
+}
+
+const std::vector<s_Subcard>& SubcardConfigManager::subcardConfig() const {
+    return m_subcards;
+}
+
+s_TypesGroups SubcardConfigManager::analyzeConnectTyps(const QDomElement& types) {
+    return readConnectorTypes(types);
+}
+
+const s_Subcard* SubcardConfigManager::firstCard(int modelId) const {
+    return firstHit(m_subcards, modelId, [](const s_Subcard& card) { return &card; });
+}
+
+const s_Connector* SubcardConfigManager::findConnector(int modelId, int position) {
+    return firstHit(m_subcards, modelId,
+                    [&](const s_Subcard& card) { return atPosition(card.connectors.connectors, position); });
+}
+
+const s_ConnectorGroup* SubcardConfigManager::findConnectorLocatedGroup(int modelId, int position) {
+    return firstHit(m_subcards, modelId, [&](const s_Subcard& card) -> const s_ConnectorGroup* {
+        for (const s_ConnectorGroup& group : card.capacity.groups) {
+            if (atPosition(group.connectors, position)) return &group;
+        }
+        return nullptr;
+    });
+}
+
+std::vector<s_Connector> SubcardConfigManager::findConnectorByGroupId(int modelId, int groupId) {
+    std::vector<s_Connector> result;
+    forEachCard(m_subcards, modelId, [&](const s_Subcard& card) {
+        for (const s_ConnectorGroup& group : card.capacity.groups) {
+            if (group.value == groupId) result = group.connectors; // the last group wins
+        }
+    });
+    // The card's own connector list knows the interface type best; the last
+    // entry at a position wins. Only the copy is changed.
+    for (s_Connector& r : result) {
+        forEachCard(m_subcards, modelId, [&](const s_Subcard& card) {
+            for (const s_Connector& c : card.connectors.connectors) {
+                if (c.position == r.position) r.interfaceType = c.interfaceType;
+            }
+        });
+    }
+    return result;
+}
+
+s_DeviceMode SubcardConfigManager::findSubcardModeData(int modelId, int capacity, int deviceMode) {
+    s_DeviceMode result;
+    result.value = kNoSubcardDeviceMode;
+    forEachCard(m_subcards, modelId, [&](const s_Subcard& card) {
+        for (const s_CapacityInCapacityGroups& c : card.capacityGroups) {
+            if (c.value != capacity) continue;
+            for (const s_DeviceMode& mode : c.deviceModes) {
+                if (mode.value == deviceMode) result = mode; // the last hit wins
+            }
+        }
+    });
+    return result;
+}
+
+std::vector<s_ConnectorInfo> SubcardConfigManager::findConnectorCopyData(int modelId, int /*capacity*/,
+                                                                         int deviceMode, int position) {
+    // Every capacity is searched: the copy groups do not depend on it.
+    const s_ConnectorGroupInfo* group =
+        firstHit(m_subcards, modelId, [&](const s_Subcard& card) -> const s_ConnectorGroupInfo* {
+            for (const s_CapacityInfo& c : card.connectorCopy.capacityInfos) {
+                for (const s_DeviceModeInfo& mode : c.deviceModes) {
+                    if (mode.value != deviceMode) continue;
+                    for (const s_ConnectorGroupInfo& g : mode.groups) {
+                        if (atPosition(g.connectors, position)) return &g;
+                    }
+                }
+            }
+            return nullptr;
+        });
+    return group ? group->connectors : std::vector<s_ConnectorInfo>{};
+}
+
+int SubcardConfigManager::findCardMode(int modelId) {
+    const s_Subcard* card = firstCard(modelId);
+    return card ? card->cardMode : -1;
+}
+
+s_CapacityInConnectorsDeviceModeCapacitys
+SubcardConfigManager::findConnectorDeviceModeCapacity(int modelId, int capacity, int deviceMode) {
+    const s_CapacityInConnectorsDeviceModeCapacitys* hit =
+        firstCapacityHit<s_CapacityInConnectorsDeviceModeCapacitys>(
+            m_subcards, modelId, capacity, deviceMode,
+            [](const s_CapacityInConnectorsDeviceModeCapacitys& c) { return &c; });
+    return hit ? *hit : s_CapacityInConnectorsDeviceModeCapacitys{};
+}
+
+int SubcardConfigManager::findConnectorDeviceModeCapacityDynamicRangeSupport(int modelId, int capacity,
+                                                                             int deviceMode, int position) {
+    const s_ConnectorInConnectorsDeviceModeCapacitysCapacity* hit =
+        firstCapacityHit<s_ConnectorInConnectorsDeviceModeCapacitysCapacity>(
+            m_subcards, modelId, capacity, deviceMode,
+            [&](const s_CapacityInConnectorsDeviceModeCapacitys& c) {
+                return atPosition(c.connectors, position);
+            });
+    return hit ? hit->dynamicRange.support : 0;
+}
+
+std::vector<s_TypesConnector> SubcardConfigManager::findConnectorTypesData(int modelId) {
+    const s_Subcard* card = firstCard(modelId);
+    return card ? card->connectors.types : s_TypesGroups{};
+}
+
+bool SubcardConfigManager::isAssociationSubcard(int modelId, int otherModelId) {
+    const s_Subcard* card = firstCard(modelId);
+    return card && std::any_of(card->associations.begin(), card->associations.end(),
+                               [&](const s_Association& a) { return a.modelId == otherModelId; });
 }
 
 } // namespace ConfigModel

@@ -327,3 +327,32 @@ void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list)
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// ---- card catalogue walks --------------------------------------------------
+
+void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers)
+{
+    forEachChild(parent, [&](const QDomElement& e) {
+        const QString tag = e.tagName();
+        for (const TagHandler& h : handlers) {
+            if (tag == QLatin1String(h.tag)) {
+                h.read(e);
+                return;
+            }
+        }
+    });
+}
+
+QDomElement childReported(const QDomElement& parent, const char* name, QString& error, const Loader& loader)
+{
+    Section section(error, loader);
+    return section.needLogged(parent, name);
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

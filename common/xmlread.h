@@ -8,6 +8,7 @@
 #include <QtCore/QString>
 #include <QtXml/QDomElement>
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -312,6 +313,52 @@ void readWideRangeLenient(const QDomElement& e, W& out)
     out.min = qint64{intAttr(e, "Min", "0")};
     out.max = qint64{intAttr(e, "Max", "0")};
 }
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// ---- card catalogue walks --------------------------------------------------
+
+// The walk of forEachChild that stops at the first child for which `f` returns
+// false. Returns false when it stopped.
+template <class F>
+bool forEachChildWhile(const QDomElement& parent, F&& f)
+{
+    for (QDomElement e = firstChild(parent); !e.isNull(); e = next(e)) {
+        if (!f(e))
+            return false;
+    }
+    return true;
+}
+
+// Every child element, whatever its name, read by `read` into a list in
+// document order: `card.sections = readEachChild(sections, readSection)`.
+template <class Read>
+auto readEachChild(const QDomElement& parent, Read&& read) -> std::vector<decltype(read(parent))>
+{
+    std::vector<decltype(read(parent))> list;
+    forEachChild(parent, [&](const QDomElement& e) { list.push_back(read(e)); });
+    return list;
+}
+
+// Dispatch by tag name: every child element of `parent`, in document order,
+// goes to the handler of its tag name; children with other names are skipped.
+struct TagHandler {
+    const char* tag;
+    std::function<void(const QDomElement&)> read;
+};
+LCD_CONFIGMODEL_EXPORT void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers);
+
+// An optional child whose absence is reported but does not stop the walk: when
+// `name` is missing, `error` becomes "Invalid [%1] node." and the same text is
+// written as a "Log:" warning from the loader's site. Null when missing.
+LCD_CONFIGMODEL_EXPORT QDomElement childReported(const QDomElement& parent, const char* name, QString& error,
+                                                 const Loader& loader);
 
 } // namespace xml
 } // namespace ConfigModel
