@@ -95,9 +95,8 @@ void readNames(Section& s, const QDomElement& e, std::string& zh_CN, std::string
 }
 
 void readStepRange(const QDomElement& e, s_ConnectorStepRange& out) {
-    readRangeAttrs(e, out.range, {"Support", "Editable", "Value", "Min", "Max"});
-    if (!e.isNull()) out.step = intAttr(e, "Step");
-    readRangeAttrs(e, out.range, {"DataType"});
+    readRangeAttrs(e, out.range, {"Support", "Editable", "Value", "Min", "Max", "DataType"});
+    if (!e.isNull()) out.step = intAttr(e, "Step"); // not range.step, which stays 1.0
 }
 
 void readRateRange(const QDomElement& e, s_ConnectorRateRange& out) {
