@@ -356,3 +356,30 @@ QDomElement childReported(const QDomElement& parent, const char* name, QString& 
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// ---- connector descriptions -------------------------------------------------
+
+bool isNamed(const QDomElement& e, const char* name)
+{
+    return !e.isNull() && e.tagName() == QLatin1String(name);
+}
+
+void readRangeAttrs(const QDomElement& e, s_RangeValue& out, std::initializer_list<const char*> names)
+{
+    if (e.isNull())
+        return;
+    for (const char* name : names) {
+        qint32* field = rangeField(out, name);
+        Q_ASSERT_X(field, "readRangeAttrs", name);
+        if (field)
+            *field = intAttr(e, name);
+    }
+}
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD

@@ -363,3 +363,24 @@ LCD_CONFIGMODEL_EXPORT QDomElement childReported(const QDomElement& parent, cons
 } // namespace xml
 } // namespace ConfigModel
 } // namespace LCD
+
+namespace LCD {
+namespace ConfigModel {
+namespace xml {
+
+// ---- connector descriptions -------------------------------------------------
+
+// True when `e` is an element named exactly `name` (case-sensitive): for
+// readers that decide by an element's name ("Types" is not "types").
+LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
+
+// The range attributes named in `names`, read in that order with an empty
+// default (absent or not a number gives 0) into the fields of the same names.
+// A null element leaves `out` untouched, so an optional element that is
+// missing keeps the record's initial values. `step` is not touched.
+LCD_CONFIGMODEL_EXPORT void readRangeAttrs(const QDomElement& e, s_RangeValue& out,
+                                           std::initializer_list<const char*> names);
+
+} // namespace xml
+} // namespace ConfigModel
+} // namespace LCD
