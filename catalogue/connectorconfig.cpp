@@ -337,7 +337,6 @@ bool sameMode(const s_resolutionResolutionRatio& a, const s_resolutionResolution
 
 } // namespace
 
-
 ConnectorConfigManager::ConnectorConfigManager() = default;
 ConnectorConfigManager::~ConnectorConfigManager() = default;
 

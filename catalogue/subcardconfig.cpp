@@ -324,7 +324,6 @@ const Hit* firstCapacityHit(const std::vector<s_Subcard>& cards, int modelId, in
 
 } // namespace
 
-
 SubcardConfigManager::SubcardConfigManager() = default;
 SubcardConfigManager::~SubcardConfigManager() = default;
 

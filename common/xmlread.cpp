@@ -181,9 +181,7 @@ bool readRangeStrict(const QDomElement& parent, const char* tag, s_RangeValue& o
         error = QStringLiteral("Invalid [%1] node.").arg(QLatin1String(tag));
         return false;
     }
-    for (const char* name : order) {
-        if (qint32* field = rangeField(out, name)) *field = intAttr(e, name);
-    }
+    readRangeAttrs(e, out, order);
     return true;
 }
 
@@ -215,127 +213,55 @@ QDomElement Section::lookup(const QDomElement& parent, const char* name, bool lo
     return e;
 }
 
-// ---- texts kept as QString (menu) ------------------------------------------
-
-QString elementText(const QDomElement& e)
-{
+QString elementText(const QDomElement& e) {
     return e.text();
 }
 
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// ---- element text as a number ---------------------------------------------
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-qint32 intText(const QDomElement& e)
-{
+qint32 intText(const QDomElement& e) {
     return e.text().toInt();
 }
 
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// -----
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// ---- in-place reads and noted lookups (screen file) -----------------------
-
-void update(const QDomElement& e, Attrs attrs, s_RangeValue& out)
-{
-    if (!e.isNull())
-        readShape(e, attrs, out);
+void update(const QDomElement& e, Attrs attrs, s_RangeValue& out) {
+    if (!e.isNull()) readShape(e, attrs, out);
 }
 
-void update(const QDomElement& e, Attrs attrs, s_TextRange& out)
-{
-    if (!e.isNull())
-        readShape(e, attrs, out);
+void update(const QDomElement& e, Attrs attrs, s_TextRange& out) {
+    if (!e.isNull()) readShape(e, attrs, out);
 }
 
-void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out)
-{
-    if (e.isNull())
-        return;
+void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out) {
+    if (e.isNull()) return;
     readShape(e, attrs, out);
-    if (list != ListFrom::None)
-        out.values = readValues<EnumValue>(e, list);
+    if (list != ListFrom::None) out.values = readValues<EnumValue>(e, list);
 }
 
-void updateInts(const QDomElement& e, std::initializer_list<IntField> fields)
-{
-    if (!e.isNull())
-        readInts(e, fields);
+void updateInts(const QDomElement& e, std::initializer_list<IntField> fields) {
+    if (!e.isNull()) readInts(e, fields);
 }
 
-double doubleAttr(const QDomElement& e, const char* name, const char* def)
-{
+double doubleAttr(const QDomElement& e, const char* name, const char* def) {
     return attr(e, name, def).toDouble();
 }
 
-QDomElement expect(const QDomElement& parent, const char* name, QString& error, const Loader& loader)
-{
+QDomElement expect(const QDomElement& parent, const char* name, QString& error, const Loader& loader) {
     QDomElement e = child(parent, name);
-    if (e.isNull())
-        error = loader.invalidNode(QLatin1String(name));
+    if (e.isNull()) error = loader.invalidNode(QLatin1String(name));
     return e;
 }
 
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// ---- additions: children by position --------------------------------------
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-QDomElement childAt(const QDomElement& parent, int position)
-{
+QDomElement childAt(const QDomElement& parent, int position) {
     QDomElement e = firstChild(parent);
     for (; position > 0 && !e.isNull(); --position)
         e = next(e);
     return e;
 }
 
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// ---- lenient readers of the layer file --------------------------------------
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list)
-{
-    if (e.isNull())
-        return;
+void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list) {
+    if (e.isNull()) return;
     out = readOptions(e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}}, list);
 }
 
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// ---- card catalogue walks --------------------------------------------------
-
-void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers)
-{
+void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers) {
     forEachChild(parent, [&](const QDomElement& e) {
         const QString tag = e.tagName();
         for (const TagHandler& h : handlers) {
@@ -347,36 +273,21 @@ void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandl
     });
 }
 
-QDomElement childReported(const QDomElement& parent, const char* name, QString& error, const Loader& loader)
-{
+QDomElement childReported(const QDomElement& parent, const char* name, QString& error, const Loader& loader) {
     Section section(error, loader);
     return section.needLogged(parent, name);
 }
 
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// ---- connector descriptions -------------------------------------------------
-
-bool isNamed(const QDomElement& e, const char* name)
-{
+bool isNamed(const QDomElement& e, const char* name) {
     return !e.isNull() && e.tagName() == QLatin1String(name);
 }
 
-void readRangeAttrs(const QDomElement& e, s_RangeValue& out, std::initializer_list<const char*> names)
-{
-    if (e.isNull())
-        return;
+void readRangeAttrs(const QDomElement& e, s_RangeValue& out, std::initializer_list<const char*> names) {
+    if (e.isNull()) return;
     for (const char* name : names) {
         qint32* field = rangeField(out, name);
         Q_ASSERT_X(field, "readRangeAttrs", name);
-        if (field)
-            *field = intAttr(e, name);
+        if (field) *field = intAttr(e, name);
     }
 }
 

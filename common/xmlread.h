@@ -11,6 +11,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "common/document.h"
@@ -177,170 +178,58 @@ template <class T, class Read> bool transact(T& target, QString& error, const Lo
     return true;
 }
 
-// ---- texts kept as QString (menu) ------------------------------------------
+// Section transaction over several fields of one record, named with
+// std::tie(a, b, c): `read(Section&, std::tuple<A, B, C>&)` fills fresh
+// copies, which are assigned to the fields only when the section is complete.
+template <class... Ts, class Read>
+bool transact(std::tuple<Ts&...>&& targets, QString& error, const Loader& loader, Read&& read) {
+    std::tuple<Ts...> local{};
+    Section section(error, loader);
+    read(section, local);
+    if (!section.complete()) return false;
+    targets = std::move(local);
+    return true;
+}
 
-// The element's whole text content, for records that keep QString; empty for
-// a null element.
-LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
-
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// ---- element text as a number ---------------------------------------------
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// The element's whole text as a decimal integer, without a success check:
-// empty or non-numeric text gives 0 (surrounding blanks are allowed).
-LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
-
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// -----
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// ---- in-place reads and noted lookups (screen file) -----------------------
-// For walks that fill a caller's record in place, where a missing element
-// keeps what the record held: a null element leaves `out` alone; otherwise
-// only the listed attributes are written, so a range's step and a text
-// range's text (unless "Value" is listed) are kept.
-
-LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_RangeValue& out);
-LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_TextRange& out);
-// As above; the values are rebuilt from `list` (ListFrom::None keeps them).
-LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out);
-// readInts on a present element; a null element leaves the fields alone.
-LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
-// Decimal number without a success check: absent or non-numeric gives 0.0.
-LCD_CONFIGMODEL_EXPORT double doubleAttr(const QDomElement& e, const char* name, const char* def = "");
+// The transaction for one element of a repeated list: reads into a fresh
+// record and appends it to `list` only when the section is complete.
+template <class T, class Read>
+bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, Read&& read) {
+    T item{};
+    if (!transact(item, error, loader, std::forward<Read>(read))) return false;
+    list.push_back(std::move(item));
+    return true;
+}
 
 // An expected child whose absence does not end the walk: when it is missing,
 // `error` becomes "Invalid [%1] node." and the null element is returned.
 LCD_CONFIGMODEL_EXPORT QDomElement expect(const QDomElement& parent, const char* name, QString& error,
                                           const Loader& loader);
+// The same, and the text is also written as a "Log:" warning from the
+// loader's site.
+LCD_CONFIGMODEL_EXPORT QDomElement childReported(const QDomElement& parent, const char* name, QString& error,
+                                                 const Loader& loader);
 
-// The section transaction for one element of a repeated list: reads into a
-// fresh record and appends it to `list` only when the section is complete.
-template <class T, class Read>
-bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, Read&& read)
-{
-    T item{};
-    if (!transact(item, error, loader, std::forward<Read>(read)))
-        return false;
-    list.push_back(std::move(item));
-    return true;
-}
-
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// ---- additions: several fields as one section, children by position -------
-
-#include <tuple>
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// Section transaction over several fields of one record, named with
-// std::tie(a, b, c): `read(Section&, std::tuple<A, B, C>&)` fills fresh
-// copies, which are assigned to the fields only when the section is complete.
-template <class... Ts, class Read>
-bool transact(std::tuple<Ts&...>&& targets, QString& error, const Loader& loader, Read&& read)
-{
-    std::tuple<Ts...> local{};
-    Section section(error, loader);
-    read(section, local);
-    if (!section.complete())
-        return false;
-    targets = std::move(local);
-    return true;
-}
+// ---- more walks -----------------------------------------------------------
 
 // The child element at `position` (0 = first) whatever its name; null when
 // `parent` has fewer children.
 LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
+// True when `e` is an element named exactly `name` (case-sensitive).
+LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
 
-// Every child element of any name read with `read(const QDomElement&)` into
-// one entry, in file order.
-template <class Read>
-auto readChildren(const QDomElement& parent, Read&& read) -> std::vector<decltype(read(parent))>
-{
-    std::vector<decltype(read(parent))> out;
-    forEachChild(parent, [&](const QDomElement& e) { out.push_back(read(e)); });
-    return out;
-}
-
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-// ---- lenient readers of the layer file --------------------------------------
-// Appended in a block of their own: an enumerated setting and a range with
-// 64-bit limits, both in the lenient manner of readRangeLenient.
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// Lenient enumerated setting: a null element leaves `out` alone; otherwise the
-// whole record is replaced, "Support" and "Editable" defaulting to "1",
-// "DataType" and "Value" to "0", the values taken from `list`.
-LCD_CONFIGMODEL_EXPORT void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list);
-
-// Lenient range whose limits are 64-bit: as readRangeLenient ("Support" and
-// "Editable" default "1", the rest "0"); "Min" and "Max" are converted as
-// 32-bit decimals and widened. `W` has support, editable, value, dataType and
-// 64-bit min and max.
-template <class W>
-void readWideRangeLenient(const QDomElement& e, W& out)
-{
-    if (e.isNull())
-        return;
-    readInts(e, {{"Support", &out.support, "1"},
-                 {"Editable", &out.editable, "1"},
-                 {"DataType", &out.dataType, "0"},
-                 {"Value", &out.value, "0"}});
-    out.min = qint64{intAttr(e, "Min", "0")};
-    out.max = qint64{intAttr(e, "Max", "0")};
-}
-
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
-
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
-
-// ---- card catalogue walks --------------------------------------------------
-
-// The walk of forEachChild that stops at the first child for which `f` returns
-// false. Returns false when it stopped.
-template <class F>
-bool forEachChildWhile(const QDomElement& parent, F&& f)
-{
-    for (QDomElement e = firstChild(parent); !e.isNull(); e = next(e)) {
-        if (!f(e))
-            return false;
-    }
+// forEachChild that stops at the first child for which `f` returns false.
+// Returns false when it stopped.
+template <class F> bool forEachChildWhile(const QDomElement& parent, F&& f) {
+    for (QDomElement e = firstChild(parent); !e.isNull(); e = next(e))
+        if (!f(e)) return false;
     return true;
 }
 
 // Every child element, whatever its name, read by `read` into a list in
 // document order: `card.sections = readEachChild(sections, readSection)`.
 template <class Read>
-auto readEachChild(const QDomElement& parent, Read&& read) -> std::vector<decltype(read(parent))>
-{
+auto readEachChild(const QDomElement& parent, Read&& read) -> std::vector<decltype(read(parent))> {
     std::vector<decltype(read(parent))> list;
     forEachChild(parent, [&](const QDomElement& e) { list.push_back(read(e)); });
     return list;
@@ -352,34 +241,54 @@ struct TagHandler {
     const char* tag;
     std::function<void(const QDomElement&)> read;
 };
-LCD_CONFIGMODEL_EXPORT void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers);
+LCD_CONFIGMODEL_EXPORT void forEachChildByTag(const QDomElement& parent,
+                                              std::initializer_list<TagHandler> handlers);
 
-// An optional child whose absence is reported but does not stop the walk: when
-// `name` is missing, `error` becomes "Invalid [%1] node." and the same text is
-// written as a "Log:" warning from the loader's site. Null when missing.
-LCD_CONFIGMODEL_EXPORT QDomElement childReported(const QDomElement& parent, const char* name, QString& error,
-                                                 const Loader& loader);
+// ---- more attributes and texts --------------------------------------------
 
-} // namespace xml
-} // namespace ConfigModel
-} // namespace LCD
+// Decimal number without a success check: absent or non-numeric gives 0.0.
+LCD_CONFIGMODEL_EXPORT double doubleAttr(const QDomElement& e, const char* name, const char* def = "");
+// The element's whole text content as QString; empty for a null element.
+LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
+// The element's whole text as a decimal integer; empty or non-numeric gives 0
+// (surrounding blanks are allowed).
+LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
 
-namespace LCD {
-namespace ConfigModel {
-namespace xml {
+// ---- reading into a record in place ---------------------------------------
+// For walks that fill a caller's record in place, where a missing element
+// keeps what the record held: a null element leaves `out` alone; otherwise
+// only the listed attributes are written, so a range's step and a text
+// range's text (unless "Value" is listed) are kept.
 
-// ---- connector descriptions -------------------------------------------------
-
-// True when `e` is an element named exactly `name` (case-sensitive): for
-// readers that decide by an element's name ("Types" is not "types").
-LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
-
-// The range attributes named in `names`, read in that order with an empty
-// default (absent or not a number gives 0) into the fields of the same names.
-// A null element leaves `out` untouched, so an optional element that is
-// missing keeps the record's initial values. `step` is not touched.
+LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_RangeValue& out);
+LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_TextRange& out);
+// As above; the values are rebuilt from `list` (ListFrom::None keeps them).
+LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out);
+// readInts on a present element; a null element leaves the fields alone.
+LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
+// The range attributes named in `names`, in that order, with an empty default;
+// a null element leaves `out` untouched. `step` is not touched.
 LCD_CONFIGMODEL_EXPORT void readRangeAttrs(const QDomElement& e, s_RangeValue& out,
                                            std::initializer_list<const char*> names);
+
+// Lenient enumerated setting: a null element leaves `out` alone; otherwise the
+// whole record is replaced, "Support" and "Editable" defaulting to "1",
+// "DataType" and "Value" to "0", the values taken from `list`.
+LCD_CONFIGMODEL_EXPORT void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list);
+
+// Lenient range whose limits are 64-bit: as readRangeLenient ("Support" and
+// "Editable" default "1", the rest "0"); "Min" and "Max" are converted as
+// 32-bit decimals and widened. `W` has support, editable, value, dataType and
+// 64-bit min and max.
+template <class W> void readWideRangeLenient(const QDomElement& e, W& out) {
+    if (e.isNull()) return;
+    readInts(e, {{"Support", &out.support, "1"},
+                 {"Editable", &out.editable, "1"},
+                 {"DataType", &out.dataType, "0"},
+                 {"Value", &out.value, "0"}});
+    out.min = qint64{intAttr(e, "Min", "0")};
+    out.max = qint64{intAttr(e, "Max", "0")};
+}
 
 } // namespace xml
 } // namespace ConfigModel

@@ -194,7 +194,7 @@ void Walk::readDynamicRangConversion(const QDomElement& features, s_Features& f)
     }
     if (const QDomElement modes = child(drc, "LayerModes"); !modes.isNull()) {
         f.layerModes = readPair(modes);
-        f.layerModesList = readChildren(modes, [](const QDomElement& mode) {
+        f.layerModesList = readEachChild(modes, [](const QDomElement& mode) {
             return s_LayerModesSupportInfo{intAttr(mode, "HDRSupport"), intAttr(mode, "Value")};
         });
     }
@@ -305,7 +305,7 @@ void Walk::readLateFeatures(const QDomElement& features, s_Features& f) {
         const QDomElement e = s.need(features, "ThirdPlugins");
         const s_SupportInfo pair = readPair(e);
         // every entry repeats the section's own pair; only "Type" is the entry's
-        local = {pair, readChildren(e, [&](const QDomElement& plugin) {
+        local = {pair, readEachChild(e, [&](const QDomElement& plugin) {
                      return s_ThirdPlugin{pair.support, pair.editable, intAttr(plugin, "Type")};
                  })};
     });

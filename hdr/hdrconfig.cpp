@@ -80,7 +80,6 @@ void initTable(HDRConfig& config, const char* fileName, const char* missingText,
 
 } // namespace
 
-
 HDRConfig::HDRConfig() = default;
 HDRConfig::~HDRConfig() = default;
 

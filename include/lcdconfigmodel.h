@@ -26,22 +26,22 @@
 #include "lcdconfigmodel/kvc.h"
 #include "lcdconfigmodel/values.h"
 
-#include "lcdconfigmodel/enums.h"
 #include "lcdconfigmodel/constants.h"
+#include "lcdconfigmodel/enums.h"
 
-#include "lcdconfigmodel/feature.h"
-#include "lcdconfigmodel/slot.h"
 #include "lcdconfigmodel/crosscard.h"
+#include "lcdconfigmodel/device.h"
+#include "lcdconfigmodel/feature.h"
 #include "lcdconfigmodel/layer.h"
 #include "lcdconfigmodel/screen.h"
-#include "lcdconfigmodel/device.h"
+#include "lcdconfigmodel/slot.h"
 
-#include "lcdconfigmodel/subcard.h"
 #include "lcdconfigmodel/connector.h"
 #include "lcdconfigmodel/hdr.h"
-#include "lcdconfigmodel/menu.h"
 #include "lcdconfigmodel/keycheck.h"
+#include "lcdconfigmodel/menu.h"
 #include "lcdconfigmodel/printkeyno.h"
+#include "lcdconfigmodel/subcard.h"
 
 #pragma pop_macro("signals")
 #pragma pop_macro("slots")

@@ -42,7 +42,6 @@ Loader menuLoader(const LogSite& site) {
 
 } // namespace
 
-
 MenuConfigManager::MenuConfigManager() : m_pRootMenuItem(new s_MenuItem) {}
 
 MenuConfigManager::~MenuConfigManager() {
