@@ -67,15 +67,142 @@ int runPlugin(const kvchost::PluginHost& host) {
     return 0;
 }
 
-// One line per component: what was loaded from where, or why not.
+// Diagnostics written while one component loads; everything else the
+// library logs is dropped, so the report stays readable.
+QStringList g_diagnostics;
+
+void collect(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type != QtDebugMsg && type != QtInfoMsg) g_diagnostics << text;
+}
+
+// One line per component: what was loaded from where, or why not; then the
+// diagnostics the load wrote. A load with warnings does not count as clean.
 struct Report {
     int failures = 0;
+    int warnings = 0;
+
     void line(bool ok, const QString& what, const QString& detail) {
-        out() << (ok ? "ok    " : "FAIL  ") << qSetFieldWidth(14) << Qt::left << what << qSetFieldWidth(0)
-              << detail << "\n";
-        if (!ok) ++failures;
+        const bool warned = ok && !g_diagnostics.isEmpty();
+        out() << (!ok      ? "FAIL  "
+                  : warned ? "warn  "
+                           : "ok    ")
+              << qSetFieldWidth(12) << Qt::left << what << qSetFieldWidth(0) << detail << "\n";
+        for (const QString& d : qAsConst(g_diagnostics))
+            out() << "        " << d << "\n";
+        failures += ok ? 0 : 1;
+        warnings += warned ? 1 : 0;
+        g_diagnostics.clear();
     }
+    void detail(const QString& text) { out() << "        " << text << "\n"; }
 };
+
+QString menuName(const s_MenuItem* item) {
+    return item->fcItem ? item->fcItem->name.value(QStringLiteral("en"))
+                        : QStringLiteral("key %1").arg(item->key);
+}
+
+int countItems(const s_MenuItem* root) {
+    int count = 0;
+    QList<const s_MenuItem*> queue{root};
+    while (!queue.isEmpty()) {
+        const s_MenuItem* item = queue.takeFirst();
+        ++count;
+        for (const s_MenuItem* c : item->children)
+            queue << c;
+    }
+    return count;
+}
+
+void checkCards(const kvchost::PluginHost& host, const QDir& config, Report& report) {
+    QString error;
+    auto cards = host.create<SubcardConfigInterface>(QStringLiteral("tavio.lcd.configmodel.subcard"), &error);
+    const QString dir = config.filePath(QStringLiteral("subcard"));
+    if (!cards || !cards->readConfig(dir, error)) return report.line(false, QStringLiteral("cards"), error);
+    report.line(true, QStringLiteral("cards"),
+                QStringLiteral("%1 card models from %2").arg(cards->subcardConfig().size()).arg(dir));
+    for (const Subcard::s_Subcard& card : cards->subcardConfig())
+        report.detail(QStringLiteral("%1  %2 (%3 connectors)")
+                          .arg(card.modelId)
+                          .arg(QString::fromStdString(card.name.en))
+                          .arg(card.connectors.connectors.size()));
+}
+
+void checkConnectors(const kvchost::PluginHost& host, const QDir& config, Report& report) {
+    QString error;
+    auto connectors =
+        host.create<ConnectorConfigInterface>(QStringLiteral("tavio.lcd.configmodel.connector"), &error);
+    const QString dir = config.filePath(QStringLiteral("connector"));
+    if (!connectors || !connectors->readConfig(dir, error))
+        return report.line(false, QStringLiteral("connectors"), error);
+    QStringList types;
+    for (int type = 0; type < 64; ++type)
+        if (connectors->findEDIDInfo(type)) types << QString::number(type);
+    report.line(true, QStringLiteral("connectors"),
+                QStringLiteral("connector types %1 from %2").arg(types.join(QLatin1Char(' ')), dir));
+}
+
+void checkMenu(const kvchost::PluginHost& host, const QDir& config, Report& report) {
+    QString error;
+    auto menu =
+        host.create<MenuConfigInterface>(QStringLiteral("tavio.lcd.configmodel.menuconfigmanager"), &error);
+    const QString items = config.filePath(QStringLiteral("menu/menufcitems.xml"));
+    const QString tree = config.filePath(QStringLiteral("menu/menuitems.xml"));
+    if (!menu || !menu->readMenuFCItems(items, error) || !menu->readMenuItems(tree, error))
+        return report.line(false, QStringLiteral("menu"), error);
+    const s_MenuItem* root = menu->rootMenuItem();
+    report.line(true, QStringLiteral("menu"),
+                QStringLiteral("%1 entries from %2").arg(countItems(root) - 1).arg(tree));
+    QStringList top;
+    for (const s_MenuItem* item : root->children)
+        top << menuName(item);
+    report.detail(top.join(QStringLiteral(", ")));
+}
+
+// The HDR component finds its files from the working directory
+// (<cwd>/../share/config/func/hdr), so the check runs from <config>/.. when
+// the configuration directory sits in a folder named "share".
+void checkHdr(const kvchost::PluginHost& host, const QDir& config, Report& report) {
+    QDir share(config.absolutePath());
+    const QString previous = QDir::currentPath();
+    if (!share.cdUp() || share.dirName() != QLatin1String("share") ||
+        config.dirName() != QLatin1String("config"))
+        return report.line(false, QStringLiteral("hdr"),
+                           QStringLiteral("HDR options are found only under .../share/config; skipped"));
+    QString error;
+    auto hdr = host.create<IHDRConfig>(QStringLiteral("tavio.lcd.configmodel.hdrconfig"), &error);
+    if (!hdr) return report.line(false, QStringLiteral("hdr"), error);
+    QDir::setCurrent(share.absolutePath());
+    hdr->initInputConfig();
+    hdr->initOutputConfig();
+    QDir::setCurrent(previous);
+    report.line(true, QStringLiteral("hdr"),
+                QStringLiteral("options from %1").arg(config.filePath(QStringLiteral("func/hdr"))));
+}
+
+void checkKeys(const kvchost::PluginHost& host, const QDir& config, Report& report) {
+    QString error;
+    auto keys = host.create<IKeyCheckConfig>(QStringLiteral("tavio.lcd.configmodel.keycheck"), &error);
+    const QString checklist = config.filePath(QStringLiteral("ui/checklist.xml"));
+    if (!keys || !keys->readConfig(checklist, error))
+        return report.line(false, QStringLiteral("key-check"), error);
+    const auto list = keys->getKeyCheckList();
+    report.line(true, QStringLiteral("key-check"),
+                QStringLiteral("%1 keys from %2").arg(list.size()).arg(checklist));
+    QStringList names;
+    for (const auto& key : list)
+        names << QStringLiteral("%1=%2").arg(key.second).arg(key.first);
+    report.detail(names.join(QLatin1Char(' ')));
+}
+
+void checkPrintKeys(const kvchost::PluginHost& host, const QDir& config, Report& report) {
+    QString error;
+    auto printKeys =
+        host.create<IPrintKeyNoConfig>(QStringLiteral("tavio.lcd.configmodel.printkeyno"), &error);
+    const QString file = config.filePath(QStringLiteral("ui/printkeynoconfig.xml"));
+    if (!printKeys || !printKeys->readConfig(file, error))
+        return report.line(false, QStringLiteral("print-keys"), error);
+    report.line(true, QStringLiteral("print-keys"), QStringLiteral("from %1").arg(file));
+}
 
 int runCheck(const kvchost::PluginHost& host, const QString& configDir) {
     const QDir config(configDir);
@@ -84,31 +211,22 @@ int runCheck(const kvchost::PluginHost& host, const QString& configDir) {
         return 2;
     }
     Report report;
-    QString error;
+    const QtMessageHandler previous = qInstallMessageHandler(&collect);
+    checkCards(host, config, report);
+    checkConnectors(host, config, report);
+    checkMenu(host, config, report);
+    checkHdr(host, config, report);
+    checkKeys(host, config, report);
+    checkPrintKeys(host, config, report);
+    qInstallMessageHandler(previous);
 
-    auto keys = host.create<IKeyCheckConfig>(QStringLiteral("tavio.lcd.configmodel.keycheck"), &error);
-    const QString checklist = config.filePath(QStringLiteral("ui/checklist.xml"));
-    if (keys && keys->readConfig(checklist, error)) {
-        const auto list = keys->getKeyCheckList();
-        report.line(true, QStringLiteral("key-check"),
-                    QStringLiteral("%1 keys from %2").arg(list.size()).arg(checklist));
-        for (const auto& key : list)
-            out() << "        " << key.first << "  " << key.second << "\n";
-    } else {
-        report.line(false, QStringLiteral("key-check"), error);
-    }
-
-    auto printKeys =
-        host.create<IPrintKeyNoConfig>(QStringLiteral("tavio.lcd.configmodel.printkeyno"), &error);
-    const QString printKeyFile = config.filePath(QStringLiteral("ui/printkeynoconfig.xml"));
-    if (printKeys && printKeys->readConfig(printKeyFile, error)) {
-        report.line(true, QStringLiteral("print-keys"), QStringLiteral("loaded %1").arg(printKeyFile));
-    } else {
-        report.line(false, QStringLiteral("print-keys"), error);
-    }
-
-    out() << (report.failures ? "configuration has errors\n" : "configuration loads cleanly\n");
-    return report.failures ? 1 : 0;
+    if (report.failures)
+        out() << "configuration has errors\n";
+    else if (report.warnings)
+        out() << "configuration loads, with warnings\n";
+    else
+        out() << "configuration loads cleanly\n";
+    return report.failures ? 1 : report.warnings ? 3 : 0;
 }
 
 } // namespace
