@@ -37,8 +37,8 @@ private Q_SLOTS:
         QCOMPARE(slot.crossCard, (s_SupportInfo{1, 1}));
         QCOMPARE(g.mainControlCardSlots, (s_SlotAttr{"CTRL", 0, 0, at({0}), {{1001}}}));
         QCOMPARE(g.inputCardSlots,
-                 (s_SlotAttr{"INPUT", 1, 1, at({1, 2, 3, 4}), {{2101}, {2102}, {2103}, {2104}}}));
-        QCOMPARE(g.outputCardSlots, (s_SlotAttr{"OUTPUT", 1, 2, at({5, 6, 7, 8}), {{3101}}}));
+                 (s_SlotAttr{"INPUT", 1, 2, at({1, 2, 3, 4}), {{2101}, {2102}, {2103}, {2104}}}));
+        QCOMPARE(g.outputCardSlots, (s_SlotAttr{"OUTPUT", 1, 1, at({5, 6, 7, 8}), {{3101}}}));
         const Slot::s_InlineSubcard mixed{2201, {{1, "HDMI 1-2"}, {2, "DVI 3-4"}}};
         QCOMPARE(g.mixCardSlots, (s_SlotAttr{"MIXED", 1, 3, {{9, {mixed}}, {10, {}}}, {{2201}}}));
     }
