@@ -1,0 +1,375 @@
+// The device registry: which files of a device directory make up a model,
+// what a rejected file leaves behind, the questions about the current device,
+// and the shipped directory through the host.
+
+#include "device/deviceconfig.h"
+#include "host/kvchost.h"
+#include "testutil.h"
+
+#include <functional>
+#include <memory>
+
+using namespace LCD::ConfigModel;
+using Devicecfg::s_Device;
+using Registry = DeviceTessanConfigManager;
+
+using Files = QMap<QString, QByteArray>; // path below the device directory -> content; "x/" is a directory
+using Query = std::function<QString(Registry&)>;
+Q_DECLARE_METATYPE(Files)
+Q_DECLARE_METATYPE(Query)
+Q_DECLARE_METATYPE(Registry*)
+
+namespace {
+
+QByteArray vrn(const QByteArray& device) {
+    return "<Vrn><Device>" + device + "</Device></Vrn>";
+}
+QByteArray feature(const QByteArray& en, const QByteArray& features = {}) {
+    return vrn("<TypeName><en>" + en + "</en><zh_CN>中文</zh_CN></TypeName><HDR/><Features>" + features +
+               "</Features><InterfaceGroup Support=\"1\"/>");
+}
+// <Screens><Screen Type="n"/></Screens> and the like.
+QByteArray list(const QByteArray& tag, const char* attr, int n) {
+    return "<" + tag + "s><" + tag + " " + attr + "=\"" + QByteArray::number(n) + "\"/></" + tag + "s>";
+}
+const auto screens = [](int type) { return list("Screen", "Type", type); };
+const auto layers = [](int type) { return list("Layer", "Type", type); };
+const auto crosscards = [](int moduleId) { return list("Subcard", "Value", moduleId); };
+const QByteArray kSlot = vrn("<CrossCard Support=\"1\"/><Slots><MainControlCardSlots/></Slots>");
+
+// One line per model: id, English type name, cross-card support, screen and
+// layer types, cross-card card models (lists sorted: reading order is the
+// file system's).
+QString summary(const Registry& registry) {
+    QStringList lines;
+    for (const s_Device& d : registry.DeviceConfigs()) {
+        const auto numbers = [](const auto& items, auto field) {
+            QStringList out;
+            for (const auto& item : items)
+                out << QString::number(item.*field);
+            out.sort();
+            return out.join(',');
+        };
+        lines << QStringLiteral("%1 en=%2 cross=%3 screens=%4 layers=%5 cards=%6")
+                     .arg(d.modelId)
+                     .arg(QString::fromStdString(d.feature.enName))
+                     .arg(d.slot.crossCard.support)
+                     .arg(numbers(d.screens, &Screen::s_Screen::type),
+                          numbers(d.layers, &Layercfg::s_Layer::type),
+                          numbers(d.crossSubcards, &CrossCard::s_CrossSubcard::moduleId));
+    }
+    lines.sort();
+    return lines.join("; ");
+}
+
+void writeFiles(const QTemporaryDir& dir, const Files& files) {
+    for (auto it = files.begin(); it != files.end(); ++it) {
+        if (it.key().endsWith('/'))
+            QDir().mkpath(dir.filePath(it.key()));
+        else
+            test::writeFile(dir, it.key(), it.value());
+    }
+}
+
+// Every diagnostic as "debug: text" or "warning: text"; all of them are
+// written in the category "default".
+QString messages(const test::MessageRecorder& recorder) {
+    QStringList out;
+    for (const test::Message& m : recorder.messages()) {
+        const char* kind = m.type == QtDebugMsg ? "debug: " : "warning: ";
+        out << (m.category == "default" ? kind : "other category: ") + m.text;
+    }
+    return out.join("; ");
+}
+
+} // namespace
+
+class TestDevice : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir; // models 29974 and 12345, see initTestCase
+    Registry m_empty, m_other, m_loaded;
+
+private Q_SLOTS:
+    void initTestCase() {
+        const QByteArray slot =
+            vrn("<CrossCard Support=\"1\"/><Slots>"
+                "<MainControlCardSlots><Subcards/><Slot Index=\"9\"/></MainControlCardSlots>"
+                "<MixCardSlots><Slot Index=\"9\"/>"
+                "<Slot Index=\"9\"><Subcards><Subcard ModuleId=\"2201\"/></Subcards></Slot>"
+                "<Slot Index=\"10\"><Subcards><Subcard ModuleId=\"2202\"/>"
+                "<Subcard ModuleId=\"2202\"/></Subcards></Slot></MixCardSlots></Slots>");
+        writeFiles(m_dir, {{"29974/a_feature.xml", feature("4U", "<CheckBlank Value=\"120\"/>")},
+                           {"29974/a_slot.xml", slot},
+                           {"29974/a_screen.xml", vrn(screens(1))},
+                           {"29974/b_screen.xml", vrn(screens(2))},
+                           {"29974/c_screen.xml", vrn(screens(1))},
+                           {"29974/a_layer.xml", vrn(layers(1))},
+                           {"29974/a_crosscard.xml", vrn(crosscards(2101))},
+                           {"12345/a_slot.xml", slot}});
+        QTemporaryDir other;
+        writeFiles(other, {{"12345/a_slot.xml", slot}});
+        QString error;
+        test::MessageRecorder recorder;
+        QVERIFY(m_loaded.readConfig(m_dir.path(), error) && m_other.readConfig(other.path(), error));
+        QVERIFY(recorder.clean());
+    }
+
+    void directoryPrologue() {
+        Registry registry;
+        QString error;
+        QVERIFY(!registry.readConfig(QString(), error));
+        QCOMPARE(error, QStringLiteral("Invalid file path!\n"));
+        QTemporaryDir dir;
+        const QString file = test::writeFile(dir, "plain.xml", kSlot);
+        QVERIFY(!registry.readConfig(file, error));
+        QCOMPARE(error, "Invalid file path!\n" + file);
+
+        error = "before";
+        const QString missing = dir.filePath("a/b/device");
+        QVERIFY(registry.readConfig(missing, error) && QFileInfo(missing).isDir());
+        QCOMPARE(error, QStringLiteral("before"));
+        QVERIFY(registry.DeviceConfigs().isEmpty());
+    }
+
+    void modelFiles_data() {
+        QTest::addColumn<Files>("files");
+        QTest::addColumn<QString>("models");
+        QTest::addColumn<QString>("error"); // %1: the device directory
+        QTest::addColumn<QString>("messages");
+        const QString nothing = "29974 en= cross=-1 screens= layers= cards=";
+        const auto row = [](const char* name, const Files& files, const QString& models,
+                            const QString& messages = {}, const QString& error = "before") {
+            QTest::newRow(name) << files << models << error << messages;
+        };
+        row("non-numeric directory is skipped",
+            {{"abc/a_feature.xml", feature("A")}, {"29974/f_feature.xml", feature("B")}},
+            "29974 en=B cross=-1 screens= layers= cards=", "debug: invalid dir name :  abc");
+        row("base name is the model id", {{"29974.old/a_slot.xml", kSlot}},
+            "29974 en= cross=1 screens= layers= cards=");
+        row("Feature.xml has no dispatch word", {{"29974/Feature.xml", feature("A")}}, nothing);
+        row("pattern ignores case, other names unread",
+            {{"29974/a_feature.XML", feature("A")}, {"29974/a_screen.txt", "<broken"}},
+            "29974 en=A cross=-1 screens= layers= cards=");
+        row("screen_layer.xml goes to both parsers",
+            {{"29974/screen_layer.xml", vrn(screens(3) + layers(4))}},
+            "29974 en= cross=-1 screens=3 layers=4 cards=");
+        row("rejected screen skips layer and cross-card",
+            {{"29974/screen_layer_crosscard.xml", vrn(layers(4) + crosscards(2101))}}, nothing,
+            "warning: Error: Invalid [Screens] node.");
+        row("rejected feature file leaves its identity out",
+            {{"29974/a_feature.xml", vrn("<TypeName><en>A</en></TypeName><HDR/>")}}, nothing,
+            "warning: Error: Invalid [Features] node.");
+        row("rejected slot file leaves its cross-card support out",
+            {{"29974/a_slot.xml", vrn("<CrossCard/><Slots/>")}}, nothing,
+            "warning: Error: Invalid [MainControlCardSlots] node.");
+        row("malformed file sets the error, the load goes on",
+            {{"29974/a_slot.xml", "<Vrn>"}, {"29974/b_layer.xml", vrn(layers(1))}},
+            "29974 en= cross=-1 screens= layers=1 cards=", {},
+            "Parse error at line 1, column 6:\nunexpected end of file");
+        row("entry that cannot be opened sets the error", {{"29974/folder.xml/", {}}}, nothing, {},
+            "Fail to open file [%1/29974/folder.xml]!");
+        row("non-fatal screen problem is no warning", {{"29974/a_screen.xml", vrn(screens(2))}},
+            "29974 en= cross=-1 screens=2 layers= cards=");
+    }
+    void modelFiles() {
+        QFETCH(Files, files);
+        QFETCH(QString, error);
+        QTemporaryDir dir;
+        writeFiles(dir, files);
+        Registry registry;
+        QString actual = "before";
+        test::MessageRecorder recorder;
+        QVERIFY(registry.readConfig(dir.path(), actual));
+        QCOMPARE(actual, error.contains("%1") ? error.arg(dir.path()) : error);
+        QTEST(summary(registry), "models");
+        QTEST(messages(recorder), "messages");
+    }
+
+    void secondLoadAppends() {
+        QString error;
+        Registry registry;
+        QVERIFY(registry.readConfig(m_dir.path(), error) && registry.readConfig(m_dir.path(), error));
+        const QList<s_Device>& devices = registry.DeviceConfigs();
+        QVERIFY(devices.size() == 4 && devices.mid(0, 2) == devices.mid(2));
+        // Queries point into the first copy: the first of two type-1 screens in reading order.
+        const s_Device& current = devices.at(devices.at(0).modelId == 29974 ? 0 : 1);
+        const auto first = std::find_if(current.screens.begin(), current.screens.end(),
+                                        [](const Screen::s_Screen& s) { return s.type == 1; });
+        QCOMPARE(registry.screenConfigs(1), &*first);
+        QCOMPARE(registry.crosscardInterfaceGroup(2101), &current.crossSubcards.front());
+    }
+
+    void queries_data() {
+        QTest::addColumn<Registry*>("registry");
+        QTest::addColumn<Query>("query");
+        QTest::addColumn<QString>("result");
+        QTest::addColumn<QString>("messages");
+
+        const auto number = [](auto f) { return Query([f](Registry& r) { return QString::number(f(r)); }); };
+        const auto pointer = [](auto f) {
+            return Query([f](Registry& r) { return QString(f(r) ? "found" : "null"); });
+        };
+        const auto connectors = [](int model, int slot, int card) {
+            return Query([=](Registry& r) {
+                std::vector<Slot::s_Slot> slots{{99, {}}}; // appended to, never cleared
+                QStringList out{r.findSlotConnectors(model, slot, card, slots) ? "true" : "false"};
+                for (const Slot::s_Slot& s : slots) {
+                    QStringList cards;
+                    for (const Slot::s_InlineSubcard& c : s.subcards)
+                        cards << QString::number(c.moduleId);
+                    out << QStringLiteral("%1[%2]").arg(s.index).arg(cards.join(','));
+                }
+                return out.join(' ');
+            });
+        };
+        const Query modelId = number([](Registry& r) { return r.findDeviceModelId(); });
+        const Query record = [](Registry& r) {
+            return r.curDeviceConfigs() == s_Device{} ? "default"
+                                                      : QString::number(r.curDeviceConfigs().modelId);
+        };
+        const Query typeName = [](Registry& r) { return r.findDeviceTypeName(); };
+        const Query screen = pointer([](Registry& r) { return r.screenConfigs(1); });
+        const Query layer = pointer([](Registry& r) { return r.layerConfigs(1); });
+        const Query cross = pointer([](Registry& r) { return r.crosscardInterfaceGroup(2101); });
+        const Query group = number([](Registry& r) { return r.deviceSupportInterfaceGroup(); });
+        const auto card = [&](int slot) {
+            return number([slot](Registry& r) { return r.findSubcardModelId(slot); });
+        };
+
+        const QString none = "warning: could not find device's cfg.";
+        const QString empty = none + "; warning: could not find device(0)'s cfg.";
+        const QString missing = "warning: could not find device(29974)'s cfg.";
+        const QString other = missing + "; " + missing;
+        const struct {
+            const char* name;
+            Registry* registry;
+            Query query;
+            QString result, messages;
+        } rows[] = {
+            {"empty: model id 0", &m_empty, modelId, "0", none},
+            {"empty: default record", &m_empty, record, "default", none},
+            {"empty: no type name", &m_empty, typeName, "", empty},
+            {"empty: no screen", &m_empty, screen, "null", empty},
+            {"empty: no layer", &m_empty, layer, "null", empty},
+            {"empty: no cross card", &m_empty, cross, "null", empty},
+            {"empty: interface group 0", &m_empty, group, "0", empty},
+            {"empty: no card in a slot", &m_empty, card(9), "0", empty},
+            {"empty: slot connectors false", &m_empty, connectors(29974, 9, 2201), "false 99[]", ""},
+            {"without 29974: model id still 29974", &m_other, modelId, "29974", missing},
+            {"without 29974: default record", &m_other, record, "default", missing},
+            {"without 29974: no type name", &m_other, typeName, "", other},
+            {"without 29974: slot connectors of any model", &m_other, connectors(12345, 9, 2201),
+             "true 99[] 9[2201]", ""},
+            {"current record", &m_loaded, record, "29974", ""},
+            {"missing screen type", &m_loaded, pointer([](Registry& r) { return r.screenConfigs(7); }),
+             "null", "warning: could not find screen type(7)'s cfg."},
+            {"missing layer type", &m_loaded, pointer([](Registry& r) { return r.layerConfigs(7); }), "null",
+             "warning: could not find layer type(7)'s cfg."},
+            {"missing cross card", &m_loaded,
+             pointer([](Registry& r) { return r.crosscardInterfaceGroup(7); }), "null",
+             "warning: could not find cross card moduleID(7)'s cfg."},
+            {"card in a slot, past slots without one", &m_loaded, card(9), "2201", ""},
+            {"no card in a slot, no message", &m_loaded, card(5), "0", ""},
+            {"slot with two matching cards listed twice", &m_loaded, connectors(29974, 10, 2202),
+             "true 99[] 10[2202,2202] 10[2202,2202]", ""},
+            {"no matching slot leaves the list", &m_loaded, connectors(29974, 9, 2202), "true 99[]", ""},
+        };
+        for (const auto& r : rows)
+            QTest::newRow(r.name) << r.registry << r.query << r.result << r.messages;
+    }
+    void queries() {
+        QFETCH(Registry*, registry);
+        QFETCH(Query, query);
+        test::MessageRecorder recorder;
+        QTEST(query(*registry), "result");
+        QTEST(messages(recorder), "messages");
+    }
+
+    // With an application object when wanted, "lcd_locale" set unless invalid.
+    void typeName_data() {
+        QTest::addColumn<bool>("application");
+        QTest::addColumn<QVariant>("locale");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("no application object: Chinese") << false << QVariant() << "中文";
+        QTest::newRow("unset: Chinese") << true << QVariant() << "中文";
+        QTest::newRow("en: English") << true << QVariant("en") << "4U";
+        QTest::newRow("EN: Chinese") << true << QVariant("EN") << "中文";
+        QTest::newRow("en_US: Chinese") << true << QVariant("en_US") << "中文";
+    }
+    void typeName() {
+        QFETCH(bool, application);
+        QFETCH(QVariant, locale);
+        static int argc = 1;
+        static char name[] = "tst_device";
+        static char* argv[] = {name, nullptr};
+        std::unique_ptr<QCoreApplication> app;
+        if (application) app = std::make_unique<QCoreApplication>(argc, argv);
+        if (app && locale.isValid()) app->setProperty("lcd_locale", locale);
+        QTEST(m_loaded.findDeviceTypeName(), "name");
+    }
+
+    void shippedDirectory() {
+        Registry registry;
+        QString error = "untouched";
+        test::MessageRecorder recorder;
+        QVERIFY(registry.readConfig(test::sharedConfig("device"), error));
+        QCOMPARE(error, QStringLiteral("untouched"));
+        QVERIFY(recorder.clean());
+        QCOMPARE(summary(registry), "29974 en=4U LCD Splicing Processor cross=1 screens=1,2 layers=1,2 "
+                                    "cards=2101,2102,3101");
+
+        // Each part is the record its parser reads from the file by path.
+        const s_Device& device = registry.DeviceConfigs().at(0);
+        const QString file = test::sharedConfig("device/29974/29974_%1.xml");
+        Feature::s_DeviceFeature feature;
+        Slot::s_VrnSolt slot;
+        CrossCard::s_CrossSubcards cards;
+        QVERIFY(registry.parseDeviceFeaturecfg(file.arg("feature"), error, feature) &&
+                device.feature == feature);
+        QVERIFY(registry.parseDeviceSlotcfg(file.arg("slot"), error, slot) && device.slot == slot);
+        QVERIFY(registry.parseDeviceCrossCardcfg(file.arg("crosscard"), error, cards) &&
+                device.crossSubcards == cards);
+        for (const auto& [name, type] : {std::pair{"screen_splice", 1}, {"screen_mosaic", 2}}) {
+            Screen::s_VrnScreen screen;
+            QVERIFY(registry.parseDeviceScreencfg(file.arg(name), error, screen));
+            QVERIFY(*registry.screenConfigs(type) == screen);
+        }
+        for (const auto& [name, type] : {std::pair{"layer_normal", 1}, {"layer_pip", 2}}) {
+            Layercfg::s_VrnLayer layer;
+            QVERIFY(registry.parseDeviceLayercfg(file.arg(name), error, layer));
+            QVERIFY(*registry.layerConfigs(type) == layer);
+        }
+        QCOMPARE(error, QStringLiteral("untouched"));
+        QCOMPARE(registry.deviceCheckBlankValue(), 120);
+        QCOMPARE(registry.deviceSupportInterfaceGroup(), 1);
+        QCOMPARE(registry.deviceSupportCrossCard(), 1);
+        QCOMPARE(registry.findSubcardModelId(1), 0); // cards are placed only in mixed slots
+    }
+
+    void throughHost() {
+        kvchost::PluginHost host;
+        QString error;
+        QVERIFY2(host.load(&error), qPrintable(error));
+        const auto device = host.create<DeviceConfigInterface>("tavio.lcd.configmodel.device", &error);
+        QVERIFY2(device, qPrintable(error));
+        QVERIFY(device->readConfig(test::sharedConfig("device"), error));
+
+        int argc = 1;
+        char name[] = "host";
+        char* argv[] = {name, nullptr};
+        QCoreApplication app(argc, argv);
+        QCOMPARE(device->findDeviceTypeName(), QStringLiteral("4U液晶拼接处理器"));
+        app.setProperty("lcd_locale", "en");
+        QCOMPARE(device->findDeviceTypeName(), QStringLiteral("4U LCD Splicing Processor"));
+        const Screen::s_Screen* mosaic = device->screenConfigs(2);
+        QVERIFY(mosaic && mosaic->limitNum == 8);
+        QCOMPARE(device->findSubcardModelId(9), 2201);
+        // A host linked against the library also reaches the non-virtual queries.
+        const Layercfg::s_Layer* pip = static_cast<Registry*>(device.get())->layerConfigs(2);
+        QVERIFY(pip && pip->type == 2 && pip->isInverse.support == 0);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestDevice)
+#include "tst_device.moc"
