@@ -75,6 +75,8 @@ private Q_SLOTS:
             << "ui/checklist.xml" << QByteArray("<LCD/>") << 1 << "FAIL  key-check   node not matches.";
         QTest::newRow("malformed print keys") << "ui/printkeynoconfig.xml" << QByteArray("<LCD>") << 1
                                               << "FAIL  print-keys  Parse error at line 1, column 6:";
+        QTest::newRow("malformed device file") << "device/29974/29974_slot.xml" << QByteArray("<Vrn>") << 1
+                                               << "FAIL  devices     Parse error at line 1, column 6:";
         QTest::newRow("missing HDR file warns") << "func/hdr/lcdhdrinputconfig.xml" << QByteArray() << 3
                                                 << "HDR input config file is not exist,file name:";
     }

@@ -113,6 +113,31 @@ int countItems(const s_MenuItem* root) {
     return count;
 }
 
+void checkDevices(const kvchost::PluginHost& host, const QDir& config, Report& report) {
+    QString error;
+    auto devices = host.create<DeviceConfigInterface>(QStringLiteral("tavio.lcd.configmodel.device"), &error);
+    const QString dir = config.filePath(QStringLiteral("device"));
+    if (!devices || !devices->readConfig(dir, error) || !error.isEmpty())
+        return report.line(false, QStringLiteral("devices"), error);
+    const Devicecfg::s_Device current = devices->curDeviceConfigs();
+    report.line(true, QStringLiteral("devices"),
+                QStringLiteral("%1 device models from %2").arg(devices->DeviceConfigs().size()).arg(dir));
+    for (const Devicecfg::s_Device& device : devices->DeviceConfigs()) {
+        QStringList screens;
+        QStringList layers;
+        for (const Screen::s_VrnScreen& screen : device.screens)
+            screens << QString::number(screen.type);
+        for (const Layercfg::s_VrnLayer& layer : device.layers)
+            layers << QString::number(layer.type);
+        report.detail(QStringLiteral("%1  %2 / %3%4, screen types %5, layer types %6")
+                          .arg(device.modelId)
+                          .arg(QString::fromStdString(device.feature.enName),
+                               QString::fromStdString(device.feature.zhName),
+                               device.modelId == current.modelId ? QStringLiteral(" (current)") : QString(),
+                               screens.join(QLatin1Char(' ')), layers.join(QLatin1Char(' '))));
+    }
+}
+
 void checkCards(const kvchost::PluginHost& host, const QDir& config, Report& report) {
     QString error;
     auto cards = host.create<SubcardConfigInterface>(QStringLiteral("tavio.lcd.configmodel.subcard"), &error);
@@ -212,6 +237,7 @@ int runCheck(const kvchost::PluginHost& host, const QString& configDir) {
     }
     Report report;
     const QtMessageHandler previous = qInstallMessageHandler(&collect);
+    checkDevices(host, config, report);
     checkCards(host, config, report);
     checkConnectors(host, config, report);
     checkMenu(host, config, report);
