@@ -13,7 +13,6 @@
 #include <QtCore/qglobal.h>
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "lcdconfigmodel/export.h"
@@ -22,14 +21,6 @@
 namespace LCD {
 namespace ConfigModel {
 namespace Connector {
-
-// Every record below lists its fields once, in `fields()`; equality compares them.
-template <class R> auto operator==(const R& a, const R& b) -> decltype(a.fields() == b.fields()) {
-    return a.fields() == b.fields();
-}
-template <class R> auto operator!=(const R& a, const R& b) -> decltype(a.fields() == b.fields()) {
-    return !(a.fields() == b.fields());
-}
 
 // ---- the resolution file ----------------------------------------------------
 
@@ -46,10 +37,8 @@ struct s_resolutionResolutionRatio {
     float coefficient = 0.01f;
     std::vector<qint32> values;
 
-    auto fields() const {
-        return std::tie(width, height, refreshRate, interlaced, standardType, autoRefresh, coefficient,
-                        values);
-    }
+    LCD_RECORD_FIELDS(s_resolutionResolutionRatio, width, height, refreshRate, interlaced, standardType,
+                      autoRefresh, coefficient, values)
 };
 using s_resolutionResolutionRatioArray = std::vector<s_resolutionResolutionRatio>;
 
@@ -58,7 +47,7 @@ struct s_ResoluCapacityMode {
     qint32 value = 0;
     s_resolutionResolutionRatioArray resolutions;
 
-    auto fields() const { return std::tie(value, resolutions); }
+    LCD_RECORD_FIELDS(s_ResoluCapacityMode, value, resolutions)
 };
 
 // The standard resolution catalogue.
@@ -67,7 +56,7 @@ struct s_VrnResolution {
     qint32 typeValue = 0; // the interface type the "Types" group applies to
     s_resolutionResolutionRatioArray typeResolutions;
 
-    auto fields() const { return std::tie(capacityModes, typeValue, typeResolutions); }
+    LCD_RECORD_FIELDS(s_VrnResolution, capacityModes, typeValue, typeResolutions)
 };
 
 // One interface of a connector type in the resolution file's interface table.
@@ -77,7 +66,7 @@ struct s_ConnectorInterface {
     qint32 type = 0;
     std::vector<s_ResoluCapacityMode> capacityModes;
 
-    auto fields() const { return std::tie(support, editable, type, capacityModes); }
+    LCD_RECORD_FIELDS(s_ConnectorInterface, support, editable, type, capacityModes)
 };
 
 // A connector type's entry in the interface table.
@@ -85,7 +74,7 @@ struct s_Connector {
     qint32 type = 0;
     std::vector<s_ConnectorInterface> interfaces;
 
-    auto fields() const { return std::tie(type, interfaces); }
+    LCD_RECORD_FIELDS(s_Connector, type, interfaces)
 };
 
 // ---- small shapes of a connector description --------------------------------
@@ -94,7 +83,7 @@ struct s_Connector {
 struct ConnectorEnumValue {
     qint32 value = 0;
 
-    auto fields() const { return std::tie(value); }
+    LCD_RECORD_FIELDS(ConnectorEnumValue, value)
 };
 
 // A choice among listed values.
@@ -105,7 +94,7 @@ struct s_ConnectorEnumSet {
     qint32 dataType = 0;
     std::vector<ConnectorEnumValue> values;
 
-    auto fields() const { return std::tie(support, editable, value, dataType, values); }
+    LCD_RECORD_FIELDS(s_ConnectorEnumSet, support, editable, value, dataType, values)
 };
 
 struct s_ConnectorLimit {
@@ -115,7 +104,7 @@ struct s_ConnectorLimit {
     qint32 max = 0;
     qint32 dataType = 0;
 
-    auto fields() const { return std::tie(support, editable, min, max, dataType); }
+    LCD_RECORD_FIELDS(s_ConnectorLimit, support, editable, min, max, dataType)
 };
 
 // Pixel-clock limits ("Min"/"Max" are read as 32-bit numbers and widened).
@@ -125,21 +114,21 @@ struct s_ConnectorBandWidth {
     qint64 min = 0;
     qint64 max = 0;
 
-    auto fields() const { return std::tie(support, editable, min, max); }
+    LCD_RECORD_FIELDS(s_ConnectorBandWidth, support, editable, min, max)
 };
 
 struct s_ConnectorStepRange {
     s_RangeValue range;
     qint32 step = 0; // "Step"; range.step stays 1.0
 
-    auto fields() const { return std::tie(range, step); }
+    LCD_RECORD_FIELDS(s_ConnectorStepRange, range, step)
 };
 
 struct s_ConnectorRateRange {
     s_RangeValue range;
     float coefficient = 0.0f;
 
-    auto fields() const { return std::tie(range, coefficient); }
+    LCD_RECORD_FIELDS(s_ConnectorRateRange, range, coefficient)
 };
 
 struct s_CutoutRatio {
@@ -150,7 +139,7 @@ struct s_CutoutRatio {
     qint32 rangeType = 0;
     float coefficient = 0.0f;
 
-    auto fields() const { return std::tie(support, editable, dataType, value, rangeType, coefficient); }
+    LCD_RECORD_FIELDS(s_CutoutRatio, support, editable, dataType, value, rangeType, coefficient)
 };
 
 struct s_CutoutCount {
@@ -160,7 +149,7 @@ struct s_CutoutCount {
     qint32 value = 0;
     qint32 rangeType = 0;
 
-    auto fields() const { return std::tie(support, editable, dataType, value, rangeType); }
+    LCD_RECORD_FIELDS(s_CutoutCount, support, editable, dataType, value, rangeType)
 };
 
 // Names as UTF-8.
@@ -168,13 +157,13 @@ struct s_Name {
     std::string zh_CN;
     std::string en;
 
-    auto fields() const { return std::tie(zh_CN, en); }
+    LCD_RECORD_FIELDS(s_Name, zh_CN, en)
 };
 struct s_ShortName {
     std::string zh_CN;
     std::string en;
 
-    auto fields() const { return std::tie(zh_CN, en); }
+    LCD_RECORD_FIELDS(s_ShortName, zh_CN, en)
 };
 
 // ---- per-interface records ----------------------------------------------------
@@ -187,7 +176,7 @@ struct s_ConnectorResolutionRatio {
     s_ConnectorStepRange height;
     s_ConnectorRateRange refreshRate;
 
-    auto fields() const { return std::tie(support, editable, width, height, refreshRate); }
+    LCD_RECORD_FIELDS(s_ConnectorResolutionRatio, support, editable, width, height, refreshRate)
 };
 
 struct s_ConnectorResolutionRatios {
@@ -195,7 +184,7 @@ struct s_ConnectorResolutionRatios {
     qint32 editable = -1;
     s_ConnectorResolutionRatio resolutionRatio;
 
-    auto fields() const { return std::tie(support, editable, resolutionRatio); }
+    LCD_RECORD_FIELDS(s_ConnectorResolutionRatios, support, editable, resolutionRatio)
 };
 
 // One axis of an advanced timing: active ("AddTime"), porch, sync, polarity, total.
@@ -208,9 +197,8 @@ struct s_ConnectorTimingAxis {
     s_RangeValue polarity;
     s_RangeValue totalTime;
 
-    auto fields() const {
-        return std::tie(support, editable, addTime, frontPorch, sync, polarity, totalTime);
-    }
+    LCD_RECORD_FIELDS(s_ConnectorTimingAxis, support, editable, addTime, frontPorch, sync, polarity,
+                      totalTime)
 };
 
 struct s_ConnectorAdvResolutionRatio {
@@ -219,7 +207,7 @@ struct s_ConnectorAdvResolutionRatio {
     s_ConnectorTimingAxis horizontal;
     s_ConnectorTimingAxis vertical;
 
-    auto fields() const { return std::tie(support, editable, horizontal, vertical); }
+    LCD_RECORD_FIELDS(s_ConnectorAdvResolutionRatio, support, editable, horizontal, vertical)
 };
 
 // What an interface of a connector offers in one capacity mode.
@@ -232,16 +220,15 @@ struct s_CapacityModeInInterface {
     s_ConnectorAdvResolutionRatio advResolutionRatio;
     s_resolutionResolutionRatioArray disables; // removed from the standard catalogue
 
-    auto fields() const {
-        return std::tie(support, editable, value, bandWidth, resolutionRatios, advResolutionRatio, disables);
-    }
+    LCD_RECORD_FIELDS(s_CapacityModeInInterface, support, editable, value, bandWidth, resolutionRatios,
+                      advResolutionRatio, disables)
 };
 
 struct s_Interface {
     qint32 type = 0;
     std::vector<s_CapacityModeInInterface> capacityModes;
 
-    auto fields() const { return std::tie(type, capacityModes); }
+    LCD_RECORD_FIELDS(s_Interface, type, capacityModes)
 };
 
 struct s_InterfaceInHDCP {
@@ -249,7 +236,7 @@ struct s_InterfaceInHDCP {
     s_ConnectorEnumSet enable;
     s_ConnectorEnumSet typeSet; // the HDCP versions
 
-    auto fields() const { return std::tie(type, enable, typeSet); }
+    LCD_RECORD_FIELDS(s_InterfaceInHDCP, type, enable, typeSet)
 };
 
 struct s_ConnectorRefreshSet {
@@ -260,7 +247,7 @@ struct s_ConnectorRefreshSet {
     float coefficient = 0.0f;
     std::vector<ConnectorEnumValue> values;
 
-    auto fields() const { return std::tie(support, editable, value, dataType, coefficient, values); }
+    LCD_RECORD_FIELDS(s_ConnectorRefreshSet, support, editable, value, dataType, coefficient, values)
 };
 
 struct s_PresetTimingAxis {
@@ -272,9 +259,7 @@ struct s_PresetTimingAxis {
     s_ConnectorEnumSet polarity;
     s_RangeValue totalTime;
 
-    auto fields() const {
-        return std::tie(support, editable, addTime, frontPorch, sync, polarity, totalTime);
-    }
+    LCD_RECORD_FIELDS(s_PresetTimingAxis, support, editable, addTime, frontPorch, sync, polarity, totalTime)
 };
 
 // The limits of one timing standard (the timing type).
@@ -286,28 +271,28 @@ struct s_PreSetTimingInterface {
     s_PresetTimingAxis horizontal;
     s_PresetTimingAxis vertical;
 
-    auto fields() const { return std::tie(type, interlaced, bandWidth, refresh, horizontal, vertical); }
+    LCD_RECORD_FIELDS(s_PreSetTimingInterface, type, interlaced, bandWidth, refresh, horizontal, vertical)
 };
 
 struct s_InterfaceInColorDepth {
     qint32 type = 0;
     s_ConnectorEnumSet colorDepth;
 
-    auto fields() const { return std::tie(type, colorDepth); }
+    LCD_RECORD_FIELDS(s_InterfaceInColorDepth, type, colorDepth)
 };
 
 struct s_InterfaceInColorSpace {
     qint32 type = 0;
     s_ConnectorEnumSet colorSpace;
 
-    auto fields() const { return std::tie(type, colorSpace); }
+    LCD_RECORD_FIELDS(s_InterfaceInColorSpace, type, colorSpace)
 };
 
 struct s_InterfaceInColorRange {
     qint32 type = 0;
     s_ConnectorEnumSet colorRange;
 
-    auto fields() const { return std::tie(type, colorRange); }
+    LCD_RECORD_FIELDS(s_InterfaceInColorRange, type, colorRange)
 };
 
 // Contrast or brightness per colour channel.
@@ -317,7 +302,7 @@ struct s_ConnectorRGB {
     s_RangeValue g;
     s_RangeValue b;
 
-    auto fields() const { return std::tie(support, r, g, b); }
+    LCD_RECORD_FIELDS(s_ConnectorRGB, support, r, g, b)
 };
 
 struct s_InterfaceInImageQuality {
@@ -329,9 +314,8 @@ struct s_InterfaceInImageQuality {
     s_RangeValue gamma;
     float gammaCoefficient = 0.0f;
 
-    auto fields() const {
-        return std::tie(type, contrast, brightness, hue, saturation, gamma, gammaCoefficient);
-    }
+    LCD_RECORD_FIELDS(s_InterfaceInImageQuality, type, contrast, brightness, hue, saturation, gamma,
+                      gammaCoefficient)
 };
 
 // A test pattern offered while cropping (no connector file element fills it).
@@ -341,7 +325,7 @@ struct s_TestPattern {
     qint32 value = 0;
     std::vector<ConnectorEnumValue> values;
 
-    auto fields() const { return std::tie(support, editable, value, values); }
+    LCD_RECORD_FIELDS(s_TestPattern, support, editable, value, values)
 };
 
 // Cropping limits of one capacity mode (no connector file element fills it).
@@ -352,14 +336,14 @@ struct s_CutoutGeneralInInterface {
     s_CutoutCount maxCount;
     s_TestPattern testPattern;
 
-    auto fields() const { return std::tie(support, editable, value, maxCount, testPattern); }
+    LCD_RECORD_FIELDS(s_CutoutGeneralInInterface, support, editable, value, maxCount, testPattern)
 };
 
 struct s_InterfaceInCutoutGeneral {
     qint32 type = 0;
     std::vector<s_CutoutGeneralInInterface> capacityModes;
 
-    auto fields() const { return std::tie(type, capacityModes); }
+    LCD_RECORD_FIELDS(s_InterfaceInCutoutGeneral, type, capacityModes)
 };
 
 // ---- attribute groups -------------------------------------------------------
@@ -369,7 +353,7 @@ struct s_ConnectorHDCP {
     qint32 editable = -1;
     std::vector<s_InterfaceInHDCP> interfaces;
 
-    auto fields() const { return std::tie(support, editable, interfaces); }
+    LCD_RECORD_FIELDS(s_ConnectorHDCP, support, editable, interfaces)
 };
 
 struct s_ConnectorGeneralType {
@@ -378,7 +362,7 @@ struct s_ConnectorGeneralType {
     qint32 dataType = 0;
     std::vector<ConnectorEnumValue> values;
 
-    auto fields() const { return std::tie(support, editable, dataType, values); }
+    LCD_RECORD_FIELDS(s_ConnectorGeneralType, support, editable, dataType, values)
 };
 
 struct s_ConnectorGeneral {
@@ -388,7 +372,7 @@ struct s_ConnectorGeneral {
     s_ConnectorLimit name;       // length limits of the user's name
     s_ConnectorLimit nameGB2312; // the same in GB2312 bytes
 
-    auto fields() const { return std::tie(support, editable, type, name, nameGB2312); }
+    LCD_RECORD_FIELDS(s_ConnectorGeneral, support, editable, type, name, nameGB2312)
 };
 
 struct s_ConnectorPresetTiming {
@@ -396,7 +380,7 @@ struct s_ConnectorPresetTiming {
     qint32 editable = -1;
     std::vector<s_PreSetTimingInterface> interfaces;
 
-    auto fields() const { return std::tie(support, editable, interfaces); }
+    LCD_RECORD_FIELDS(s_ConnectorPresetTiming, support, editable, interfaces)
 };
 
 struct s_ConnectorColorDepths {
@@ -404,7 +388,7 @@ struct s_ConnectorColorDepths {
     qint32 editable = -1;
     std::vector<s_InterfaceInColorDepth> interfaces;
 
-    auto fields() const { return std::tie(support, editable, interfaces); }
+    LCD_RECORD_FIELDS(s_ConnectorColorDepths, support, editable, interfaces)
 };
 
 struct s_ConnectorColorSpaces {
@@ -412,7 +396,7 @@ struct s_ConnectorColorSpaces {
     qint32 editable = -1;
     std::vector<s_InterfaceInColorSpace> interfaces;
 
-    auto fields() const { return std::tie(support, editable, interfaces); }
+    LCD_RECORD_FIELDS(s_ConnectorColorSpaces, support, editable, interfaces)
 };
 
 struct s_ConnectorColorRanges {
@@ -420,7 +404,7 @@ struct s_ConnectorColorRanges {
     qint32 editable = -1;
     std::vector<s_InterfaceInColorRange> interfaces;
 
-    auto fields() const { return std::tie(support, editable, interfaces); }
+    LCD_RECORD_FIELDS(s_ConnectorColorRanges, support, editable, interfaces)
 };
 
 struct s_ConnectorDynamicRange {
@@ -430,9 +414,8 @@ struct s_ConnectorDynamicRange {
     qint32 formatMappingEditable = -1;
     s_ConnectorEnumSet formatMapping;
 
-    auto fields() const {
-        return std::tie(support, editable, formatMappingSupport, formatMappingEditable, formatMapping);
-    }
+    LCD_RECORD_FIELDS(s_ConnectorDynamicRange, support, editable, formatMappingSupport, formatMappingEditable,
+                      formatMapping)
 };
 
 // No element of a connector file fills this block; it keeps its initial values.
@@ -447,10 +430,8 @@ struct s_ConnectorHDR {
     s_RangeValue minLuminance;
     s_RangeValue maxFrameAverageLuminance;
 
-    auto fields() const {
-        return std::tie(support, editable, metadataSupport, metadataEditable, format, gamut, maxLuminance,
-                        minLuminance, maxFrameAverageLuminance);
-    }
+    LCD_RECORD_FIELDS(s_ConnectorHDR, support, editable, metadataSupport, metadataEditable, format, gamut,
+                      maxLuminance, minLuminance, maxFrameAverageLuminance)
 };
 
 struct s_ConnectorImageQuality {
@@ -458,7 +439,7 @@ struct s_ConnectorImageQuality {
     qint32 editable = -1;
     std::vector<s_InterfaceInImageQuality> interfaces;
 
-    auto fields() const { return std::tie(support, editable, interfaces); }
+    LCD_RECORD_FIELDS(s_ConnectorImageQuality, support, editable, interfaces)
 };
 
 struct s_ConnectorCrop {
@@ -474,10 +455,8 @@ struct s_ConnectorCrop {
     qint32 generalEditable = -1;
     std::vector<s_InterfaceInCutoutGeneral> interfaces;
 
-    auto fields() const {
-        return std::tie(support, editable, enable, xRatio, yRatio, widthRatio, heightRatio, maxCount,
-                        generalSupport, generalEditable, interfaces);
-    }
+    LCD_RECORD_FIELDS(s_ConnectorCrop, support, editable, enable, xRatio, yRatio, widthRatio, heightRatio,
+                      maxCount, generalSupport, generalEditable, interfaces)
 };
 
 struct s_ConnectorTimingSelect {
@@ -485,14 +464,14 @@ struct s_ConnectorTimingSelect {
     qint32 editable = -1;
     s_ConnectorEnumSet select;
 
-    auto fields() const { return std::tie(support, editable, select); }
+    LCD_RECORD_FIELDS(s_ConnectorTimingSelect, support, editable, select)
 };
 
 struct s_ConnectorEDID {
     qint32 support = -1;
     qint32 editable = -1;
 
-    auto fields() const { return std::tie(support, editable); }
+    LCD_RECORD_FIELDS(s_ConnectorEDID, support, editable)
 };
 
 // ---- one connector type, one connector file ----------------------------------
@@ -519,17 +498,15 @@ struct s_ConnectorCfg {
     s_ConnectorTimingSelect timingSelect;
     s_ConnectorEDID edid;
 
-    auto fields() const {
-        return std::tie(type, icon, name, shortName, signalType, capacityModeSupport, capacityModeEditable,
-                        interfaces, hdcp, general, presetTiming, colorDepths, colorSpaces, colorRanges,
-                        dynamicRange, hdr, imageQuality, crop, timingSelect, edid);
-    }
+    LCD_RECORD_FIELDS(s_ConnectorCfg, type, icon, name, shortName, signalType, capacityModeSupport,
+                      capacityModeEditable, interfaces, hdcp, general, presetTiming, colorDepths, colorSpaces,
+                      colorRanges, dynamicRange, hdr, imageQuality, crop, timingSelect, edid)
 };
 
 struct s_VrnConnector {
     std::vector<s_ConnectorCfg> connectors; // in file order
 
-    auto fields() const { return std::tie(connectors); }
+    LCD_RECORD_FIELDS(s_VrnConnector, connectors)
 };
 
 } // namespace Connector

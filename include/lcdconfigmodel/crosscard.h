@@ -4,7 +4,6 @@
 // connectors can be grouped (on the card and across the device) and, per
 // device mode, which connectors of which slots form each group.
 
-#include <tuple>
 #include <vector>
 
 #include "lcdconfigmodel/values.h"
@@ -21,11 +20,7 @@ struct s_CrossConnectorGroup {
     qint32 isMain = 0;                // 1 for the group's main connector
     qint32 convertTimingPriority = 0; // order in timing conversion
 
-    bool operator==(const s_CrossConnectorGroup& o) const {
-        return std::tie(moduleId, slot, position, isMain, convertTimingPriority) ==
-               std::tie(o.moduleId, o.slot, o.position, o.isMain, o.convertTimingPriority);
-    }
-    bool operator!=(const s_CrossConnectorGroup& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CrossConnectorGroup, moduleId, slot, position, isMain, convertTimingPriority)
 };
 
 // One connector group with its members in file order.
@@ -33,10 +28,7 @@ struct s_CrossConnectorGroups {
     qint32 groupId = 0;
     std::vector<s_CrossConnectorGroup> connectors;
 
-    bool operator==(const s_CrossConnectorGroups& o) const {
-        return groupId == o.groupId && connectors == o.connectors;
-    }
-    bool operator!=(const s_CrossConnectorGroups& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CrossConnectorGroups, groupId, connectors)
 };
 
 // The connector groups of one device mode, in file order.
@@ -44,8 +36,7 @@ struct s_CrossDeviceMode {
     qint32 value = 0; // device mode number
     std::vector<s_CrossConnectorGroups> groups;
 
-    bool operator==(const s_CrossDeviceMode& o) const { return value == o.value && groups == o.groups; }
-    bool operator!=(const s_CrossDeviceMode& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CrossDeviceMode, value, groups)
 };
 
 // One card model. A fresh record has 0, 0 in both pairs; a file that leaves
@@ -57,11 +48,7 @@ struct s_CrossSubcard {
     qint32 offset = 100;                      // numbering offset of the device-level group
     std::vector<s_CrossDeviceMode> deviceModes;
 
-    bool operator==(const s_CrossSubcard& o) const {
-        return std::tie(moduleId, interfaceGroup, deviceInterfaceGroup, offset, deviceModes) ==
-               std::tie(o.moduleId, o.interfaceGroup, o.deviceInterfaceGroup, o.offset, o.deviceModes);
-    }
-    bool operator!=(const s_CrossSubcard& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CrossSubcard, moduleId, interfaceGroup, deviceInterfaceGroup, offset, deviceModes)
 };
 
 // The whole cross-card file, one record per "Subcard" in file order.

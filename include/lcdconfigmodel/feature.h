@@ -8,7 +8,6 @@
 #include <QtCore/qglobal.h>
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "lcdconfigmodel/values.h"
@@ -27,11 +26,7 @@ struct s_Genlock {
     s_OptionList phaseEnable;
     s_RangeValue phaseOffset;
 
-    bool operator==(const s_Genlock& o) const {
-        return std::tie(genlock, type, phase, phaseEnable, phaseOffset) ==
-               std::tie(o.genlock, o.type, o.phase, o.phaseEnable, o.phaseOffset);
-    }
-    bool operator!=(const s_Genlock& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Genlock, genlock, type, phase, phaseEnable, phaseOffset)
 };
 
 // "InterfaceMapping"/"TestPattern".
@@ -44,11 +39,7 @@ struct s_TestPattern {
     s_RangeValue gridLineWidth;
     s_RangeValue speed;
 
-    bool operator==(const s_TestPattern& o) const {
-        return std::tie(pattern, enable, type, bright, gridSpace, gridLineWidth, speed) ==
-               std::tie(o.pattern, o.enable, o.type, o.bright, o.gridSpace, o.gridLineWidth, o.speed);
-    }
-    bool operator!=(const s_TestPattern& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_TestPattern, pattern, enable, type, bright, gridSpace, gridLineWidth, speed)
 };
 
 // "InterfaceMapping".
@@ -57,10 +48,7 @@ struct s_InterfaceMapping {
     s_OptionList type;
     s_TestPattern testPattern;
 
-    bool operator==(const s_InterfaceMapping& o) const {
-        return std::tie(mapping, type, testPattern) == std::tie(o.mapping, o.type, o.testPattern);
-    }
-    bool operator!=(const s_InterfaceMapping& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_InterfaceMapping, mapping, type, testPattern)
 };
 
 // One child of "DynamicRangConversion"/"LayerModes".
@@ -68,10 +56,7 @@ struct s_LayerModesSupportInfo {
     qint32 hdrSupport = 0;
     qint32 value = 0;
 
-    bool operator==(const s_LayerModesSupportInfo& o) const {
-        return hdrSupport == o.hdrSupport && value == o.value;
-    }
-    bool operator!=(const s_LayerModesSupportInfo& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_LayerModesSupportInfo, hdrSupport, value)
 };
 
 // One child of "ThirdPlugins": support and editable repeat the section's own.
@@ -80,10 +65,7 @@ struct s_ThirdPlugin {
     qint32 editable = -1;
     qint32 type = 0;
 
-    bool operator==(const s_ThirdPlugin& o) const {
-        return support == o.support && editable == o.editable && type == o.type;
-    }
-    bool operator!=(const s_ThirdPlugin& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ThirdPlugin, support, editable, type)
 };
 
 // The "Features" section.
@@ -121,18 +103,11 @@ struct s_Features {
     qint32 antiStaticMax = 0;
     s_OptionList checkBlank;
 
-private:
-    auto tie() const {
-        return std::tie(screen, screenId, screenType, genlock, hdcp, dynamicRangConversion, drcEnable,
-                        drcType, layerModes, layerModesList, dynamicRang, interfaceMapping, cutoutPos,
-                        cutoutEnable, cutoutType, group, groupName, swap, language, switchEffect, switchTime,
-                        switchDirection, thirdPlugins, thirdPluginList, antiStatic, antiStaticEnable,
-                        antiStaticValue, antiStaticMin, antiStaticMax, checkBlank);
-    }
-
-public:
-    bool operator==(const s_Features& o) const { return tie() == o.tie(); }
-    bool operator!=(const s_Features& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Features, screen, screenId, screenType, genlock, hdcp, dynamicRangConversion,
+                      drcEnable, drcType, layerModes, layerModesList, dynamicRang, interfaceMapping,
+                      cutoutPos, cutoutEnable, cutoutType, group, groupName, swap, language, switchEffect,
+                      switchTime, switchDirection, thirdPlugins, thirdPluginList, antiStatic,
+                      antiStaticEnable, antiStaticValue, antiStaticMin, antiStaticMax, checkBlank)
 };
 
 // ---- system sections ------------------------------------------------------
@@ -147,11 +122,7 @@ struct s_Network {
     s_TextRange subNetMask;
     s_TextRange gateway;
 
-    bool operator==(const s_Network& o) const {
-        return std::tie(support, editable, index, dhcp, ip, subNetMask, gateway) ==
-               std::tie(o.support, o.editable, o.index, o.dhcp, o.ip, o.subNetMask, o.gateway);
-    }
-    bool operator!=(const s_Network& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Network, support, editable, index, dhcp, ip, subNetMask, gateway)
 };
 
 // "ProjectFile"/"Contain": what a project file carries.
@@ -162,11 +133,7 @@ struct s_Contain {
     s_OptionList logo;
     s_OptionList preset;
 
-    bool operator==(const s_Contain& o) const {
-        return std::tie(contain, other, bkg, logo, preset) ==
-               std::tie(o.contain, o.other, o.bkg, o.logo, o.preset);
-    }
-    bool operator!=(const s_Contain& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Contain, contain, other, bkg, logo, preset)
 };
 
 // "ProjectFile".
@@ -178,11 +145,7 @@ struct s_ProjectFile {
     s_RangeValue fileGeneralName;
     s_Contain contain;
 
-    bool operator==(const s_ProjectFile& o) const {
-        return std::tie(projectFile, fileId, fileType, fileGeneral, fileGeneralName, contain) ==
-               std::tie(o.projectFile, o.fileId, o.fileType, o.fileGeneral, o.fileGeneralName, o.contain);
-    }
-    bool operator!=(const s_ProjectFile& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ProjectFile, projectFile, fileId, fileType, fileGeneral, fileGeneralName, contain)
 };
 
 // "Subcard"/"Connector".
@@ -192,11 +155,7 @@ struct s_Connector {
     s_OptionList workMode;
     s_OptionList capacityMode;
 
-    bool operator==(const s_Connector& o) const {
-        return std::tie(connector, type, workMode, capacityMode) ==
-               std::tie(o.connector, o.type, o.workMode, o.capacityMode);
-    }
-    bool operator!=(const s_Connector& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Connector, connector, type, workMode, capacityMode)
 };
 
 // "Subcard": card handling.
@@ -205,10 +164,7 @@ struct s_Subcard {
     s_OptionList cardType;
     s_Connector connector;
 
-    bool operator==(const s_Subcard& o) const {
-        return std::tie(subcard, cardType, connector) == std::tie(o.subcard, o.cardType, o.connector);
-    }
-    bool operator!=(const s_Subcard& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Subcard, subcard, cardType, connector)
 };
 
 // "Upgrade".
@@ -220,11 +176,7 @@ struct s_Upgrade {
     s_SupportInfo cards;
     s_OptionList cardsType;
 
-    bool operator==(const s_Upgrade& o) const {
-        return std::tie(upgrade, type, reboot, deleteFile, cards, cardsType) ==
-               std::tie(o.upgrade, o.type, o.reboot, o.deleteFile, o.cards, o.cardsType);
-    }
-    bool operator!=(const s_Upgrade& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Upgrade, upgrade, type, reboot, deleteFile, cards, cardsType)
 };
 
 // ---- the file -------------------------------------------------------------
@@ -261,18 +213,11 @@ struct s_DeviceFeature {
     std::vector<s_EnumStringValue> layerAlphaValues; // never read from the file
     s_SupportInfo interfaceGroup;
 
-private:
-    auto tie() const {
-        return std::tie(moduleId, connectorPluginMode, seriesShortName, name, icon, enName, zhName, features,
-                        general, generalName, generalStatus, networks, network, projectFile, file, fileItems,
-                        deviceModes, powerCtrl, powerCtrlType, subcard, restoreFactory, restoreFactoryType,
-                        upgrade, hdr, hdrMode, deviceSelfTest, layerAlphaFunction, layerAlphaValues,
-                        interfaceGroup);
-    }
-
-public:
-    bool operator==(const s_DeviceFeature& o) const { return tie() == o.tie(); }
-    bool operator!=(const s_DeviceFeature& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_DeviceFeature, moduleId, connectorPluginMode, seriesShortName, name, icon, enName,
+                      zhName, features, general, generalName, generalStatus, networks, network, projectFile,
+                      file, fileItems, deviceModes, powerCtrl, powerCtrlType, subcard, restoreFactory,
+                      restoreFactoryType, upgrade, hdr, hdrMode, deviceSelfTest, layerAlphaFunction,
+                      layerAlphaValues, interfaceGroup)
 };
 
 } // namespace Feature

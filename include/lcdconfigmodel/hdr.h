@@ -10,9 +10,9 @@
 
 #include <list>
 #include <map>
-#include <tuple>
 
 #include "lcdconfigmodel/export.h"
+#include "lcdconfigmodel/values.h"
 
 namespace LCD {
 namespace ConfigModel {
@@ -40,9 +40,8 @@ struct HDRKey {
     qint32 type = 0;
     qint32 value = 0;
 
-    bool operator==(const HDRKey& o) const { return type == o.type && value == o.value; }
-    bool operator!=(const HDRKey& o) const { return !(*this == o); }
-    bool operator<(const HDRKey& o) const { return std::tie(type, value) < std::tie(o.type, o.value); }
+    LCD_RECORD_FIELDS(HDRKey, type, value)
+    bool operator<(const HDRKey& o) const { return fields() < o.fields(); }
 };
 
 // One direction's option table: for each key, the dependent settings (by

@@ -3,7 +3,6 @@
 // Records of the device layer file: what a layer (a window on a screen) of one
 // layer type can do. One file, and one record, per layer type.
 
-#include <tuple>
 #include <vector>
 
 #include "lcdconfigmodel/values.h"
@@ -22,11 +21,7 @@ struct s_WideRangeValue {
     qint64 min = 0;
     qint64 max = 255;
 
-    bool operator==(const s_WideRangeValue& o) const {
-        return std::tie(support, editable, value, dataType, min, max) ==
-               std::tie(o.support, o.editable, o.value, o.dataType, o.min, o.max);
-    }
-    bool operator!=(const s_WideRangeValue& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_WideRangeValue, support, editable, value, dataType, min, max)
 };
 
 // The shadow of a layer: a general switch with its feather, the shadow window
@@ -47,14 +42,8 @@ struct s_Shadow {
     s_RangeValue colorB;
     s_RangeValue colorOpacity;
 
-    bool operator==(const s_Shadow& o) const {
-        return std::tie(shadow, general, generalEnable, feather, window, windowWidth, windowHeight, windowX,
-                        windowY, color, colorR, colorG, colorB,
-                        colorOpacity) == std::tie(o.shadow, o.general, o.generalEnable, o.feather, o.window,
-                                                  o.windowWidth, o.windowHeight, o.windowX, o.windowY,
-                                                  o.color, o.colorR, o.colorG, o.colorB, o.colorOpacity);
-    }
-    bool operator!=(const s_Shadow& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Shadow, shadow, general, generalEnable, feather, window, windowWidth, windowHeight,
+                      windowX, windowY, color, colorR, colorG, colorB, colorOpacity)
 };
 
 // Cut-and-fill (cropping): the switch, the curve from start to end point and
@@ -75,19 +64,13 @@ struct s_CutFill {
     s_WideRangeValue relativeX;
     s_WideRangeValue relativeY;
 
-    bool operator==(const s_CutFill& o) const {
-        return std::tie(cutFill, enable, curve, curveStart, curveStartX, curveStartY, curveEnd, curveEndX,
-                        curveEndY, relative, relativeWidth, relativeHeight, relativeX, relativeY) ==
-               std::tie(o.cutFill, o.enable, o.curve, o.curveStart, o.curveStartX, o.curveStartY, o.curveEnd,
-                        o.curveEndX, o.curveEndY, o.relative, o.relativeWidth, o.relativeHeight, o.relativeX,
-                        o.relativeY);
-    }
-    bool operator!=(const s_CutFill& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CutFill, cutFill, enable, curve, curveStart, curveStartX, curveStartY, curveEnd,
+                      curveEndX, curveEndY, relative, relativeWidth, relativeHeight, relativeX, relativeY)
 };
 
 // The reserved members of s_Layer: no layer file fills them; they keep their
 // shape defaults and hold their place in the record. Each block is listed
-// once and used both to declare and to compare.
+// once and used both to declare them and to name them in the field list.
 // clang-format off
 #define LCD_LAYERCFG_RESERVED_BEFORE_INVERSE(X)                                                                   \
     X(s_OptionList, reserved01) X(s_RangeValue, reserved02) X(s_OptionList, reserved03)                            \
@@ -139,7 +122,7 @@ struct s_CutFill {
     X(s_RangeValue, reserved95) X(s_RangeValue, reserved96) X(s_RangeValue, reserved97) X(s_RangeValue, reserved98)
 
 #define LCD_LAYERCFG_DECLARE(Type, name) Type name{};
-#define LCD_LAYERCFG_EQUAL(Type, name) && name == o.name
+#define LCD_LAYERCFG_NAME(Type, name) , name
 // clang-format on
 
 // One layer type. The parser fills type, isInverse, shadow and cutFill; the
@@ -154,18 +137,14 @@ struct s_Layer {
     s_CutFill cutFill;
 
     // clang-format off
-    bool operator==(const s_Layer& o) const
-    {
-        return type == o.type && isInverse == o.isInverse && shadow == o.shadow && cutFill == o.cutFill
-            LCD_LAYERCFG_RESERVED_BEFORE_INVERSE(LCD_LAYERCFG_EQUAL)
-            LCD_LAYERCFG_RESERVED_BEFORE_SHADOW(LCD_LAYERCFG_EQUAL)
-            LCD_LAYERCFG_RESERVED_BEFORE_CUTFILL(LCD_LAYERCFG_EQUAL);
-    }
+    LCD_RECORD_FIELDS(s_Layer, type LCD_LAYERCFG_RESERVED_BEFORE_INVERSE(LCD_LAYERCFG_NAME),
+                      isInverse LCD_LAYERCFG_RESERVED_BEFORE_SHADOW(LCD_LAYERCFG_NAME),
+                      shadow LCD_LAYERCFG_RESERVED_BEFORE_CUTFILL(LCD_LAYERCFG_NAME),
+                      cutFill)
     // clang-format on
-    bool operator!=(const s_Layer& o) const { return !(*this == o); }
 };
 
-#undef LCD_LAYERCFG_EQUAL
+#undef LCD_LAYERCFG_NAME
 #undef LCD_LAYERCFG_DECLARE
 #undef LCD_LAYERCFG_RESERVED_BEFORE_CUTFILL
 #undef LCD_LAYERCFG_RESERVED_BEFORE_SHADOW

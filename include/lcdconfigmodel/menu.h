@@ -7,9 +7,8 @@
 #include <QtCore/QMap>
 #include <QtCore/QString>
 
-#include <tuple>
-
 #include "lcdconfigmodel/export.h"
+#include "lcdconfigmodel/values.h"
 
 namespace LCD {
 namespace ConfigModel {
@@ -22,10 +21,7 @@ struct s_MenuFCItem {
     QString unit;                // "Unit"
     QMap<QString, QString> name; // language code ("en", "zh_CN") to the text of that child of "Name"
 
-    bool operator==(const s_MenuFCItem& o) const {
-        return std::tie(key, icon, type, unit, name) == std::tie(o.key, o.icon, o.type, o.unit, o.name);
-    }
-    bool operator!=(const s_MenuFCItem& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_MenuFCItem, key, icon, type, unit, name)
 };
 
 // One node of the menu tree. Nodes are linked by pointer and owned by the

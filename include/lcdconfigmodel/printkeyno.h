@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "lcdconfigmodel/export.h"
+#include "lcdconfigmodel/values.h"
 
 namespace LCD {
 namespace ConfigModel {
@@ -21,9 +22,7 @@ struct PrintKeyNoInfo {
     std::string printKeyNo; // UTF-8
     qint32 reserved = 0;    // not read from the file
 
-    bool operator==(const PrintKeyNoInfo& o) const {
-        return id == o.id && printKeyNo == o.printKeyNo && reserved == o.reserved;
-    }
+    LCD_RECORD_FIELDS(PrintKeyNoInfo, id, printKeyNo, reserved)
 };
 
 // One card model; modelId -1 means "not found".
@@ -31,9 +30,7 @@ struct SubcardPrintKeyNoInfo {
     qint32 modelId = -1;
     std::list<PrintKeyNoInfo> printKeyNos;
 
-    bool operator==(const SubcardPrintKeyNoInfo& o) const {
-        return modelId == o.modelId && printKeyNos == o.printKeyNos;
-    }
+    LCD_RECORD_FIELDS(SubcardPrintKeyNoInfo, modelId, printKeyNos)
 };
 
 // One device model.

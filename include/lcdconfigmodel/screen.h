@@ -6,7 +6,6 @@
 // editable field ("not stated") and the defaults of the shared value records.
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "lcdconfigmodel/values.h"
@@ -15,18 +14,6 @@ namespace LCD {
 namespace ConfigModel {
 namespace Screen {
 
-// Each record compares whole through the tuple of its fields.
-#define LCD_SCREEN_EQUALITY(Type, ...)                                                                       \
-    auto fields() const {                                                                                    \
-        return std::tie(__VA_ARGS__);                                                                        \
-    }                                                                                                        \
-    bool operator==(const Type& o) const {                                                                   \
-        return fields() == o.fields();                                                                       \
-    }                                                                                                        \
-    bool operator!=(const Type& o) const {                                                                   \
-        return !(*this == o);                                                                                \
-    }
-
 // ---- device modes ---------------------------------------------------------
 
 // A display name in both languages (UTF-8).
@@ -34,7 +21,7 @@ struct s_Name {
     std::string en;
     std::string zhCN;
 
-    LCD_SCREEN_EQUALITY(s_Name, en, zhCN)
+    LCD_RECORD_FIELDS(s_Name, en, zhCN)
 };
 
 // One tile of a layout and the output connector that feeds it.
@@ -48,7 +35,7 @@ struct s_Cell {
     qint32 slotIndex = 0;
     qint32 connectorIndex = 0; // position on the output card, from 1
 
-    LCD_SCREEN_EQUALITY(s_Cell, x, y, width, height, row, column, slotIndex, connectorIndex)
+    LCD_RECORD_FIELDS(s_Cell, x, y, width, height, row, column, slotIndex, connectorIndex)
 };
 
 // One arrangement of a template.
@@ -58,7 +45,7 @@ struct s_Layout {
     qint32 screenId = 0;
     std::vector<s_Cell> cells; // file order
 
-    LCD_SCREEN_EQUALITY(s_Layout, rows, columns, screenId, cells)
+    LCD_RECORD_FIELDS(s_Layout, rows, columns, screenId, cells)
 };
 
 // The physical size of a template's panels.
@@ -68,7 +55,7 @@ struct s_PhysicalSize {
     s_RangeValue width;
     s_RangeValue height;
 
-    LCD_SCREEN_EQUALITY(s_PhysicalSize, dotPitch, unit, width, height)
+    LCD_RECORD_FIELDS(s_PhysicalSize, dotPitch, unit, width, height)
 };
 
 // One splicing template.
@@ -77,7 +64,7 @@ struct s_Templete {
     std::vector<s_Layout> layouts; // file order
     s_PhysicalSize physicalSize;
 
-    LCD_SCREEN_EQUALITY(s_Templete, name, layouts, physicalSize)
+    LCD_RECORD_FIELDS(s_Templete, name, layouts, physicalSize)
 };
 
 // Preview support of a device mode.
@@ -85,7 +72,7 @@ struct s_Pvw {
     qint32 support = -1;
     qint32 softImp = -1;
 
-    LCD_SCREEN_EQUALITY(s_Pvw, support, softImp)
+    LCD_RECORD_FIELDS(s_Pvw, support, softImp)
 };
 
 // How many layers of a type a screen holds.
@@ -93,7 +80,7 @@ struct s_LayerCount {
     qint32 max = 0;
     qint32 valid = 0;
 
-    LCD_SCREEN_EQUALITY(s_LayerCount, max, valid)
+    LCD_RECORD_FIELDS(s_LayerCount, max, valid)
 };
 
 // One layer type a screen offers in a device mode.
@@ -102,7 +89,7 @@ struct s_LayerType {
     s_LayerCount layerCount;
     s_OptionList unit;
 
-    LCD_SCREEN_EQUALITY(s_LayerType, value, layerCount, unit)
+    LCD_RECORD_FIELDS(s_LayerType, value, layerCount, unit)
 };
 
 // One device mode (1 standard, 2 4K in the shipped files).
@@ -113,7 +100,7 @@ struct s_DeviceMode {
     std::vector<s_Templete> templetes;   // file order
     std::vector<s_LayerType> layerTypes; // file order
 
-    LCD_SCREEN_EQUALITY(s_DeviceMode, value, pvw, templetesValue, templetes, layerTypes)
+    LCD_RECORD_FIELDS(s_DeviceMode, value, pvw, templetesValue, templetes, layerTypes)
 };
 
 // ---- feature tree ---------------------------------------------------------
@@ -127,7 +114,7 @@ struct s_General {
     std::string prefix;
     s_TextRange nameGB2312;
 
-    LCD_SCREEN_EQUALITY(s_General, support, editable, name, prefix, nameGB2312)
+    LCD_RECORD_FIELDS(s_General, support, editable, name, prefix, nameGB2312)
 };
 
 // The splicing window.
@@ -139,7 +126,7 @@ struct s_MosaicWindow {
     s_RangeValue x;
     s_RangeValue y;
 
-    LCD_SCREEN_EQUALITY(s_MosaicWindow, support, editable, width, height, x, y)
+    LCD_RECORD_FIELDS(s_MosaicWindow, support, editable, width, height, x, y)
 };
 
 // A colour setting of the output: what the outputs deliver and what is preset.
@@ -149,7 +136,7 @@ struct s_ColorSetting {
     s_OptionList actual;
     s_OptionList preset;
 
-    LCD_SCREEN_EQUALITY(s_ColorSetting, support, editable, actual, preset)
+    LCD_RECORD_FIELDS(s_ColorSetting, support, editable, actual, preset)
 };
 
 // One axis of an output timing.
@@ -162,7 +149,7 @@ struct s_TimingAxis {
     s_RangeValue polarity;
     s_RangeValue totalTime;
 
-    LCD_SCREEN_EQUALITY(s_TimingAxis, support, editable, addTime, frontPorch, sync, polarity, totalTime)
+    LCD_RECORD_FIELDS(s_TimingAxis, support, editable, addTime, frontPorch, sync, polarity, totalTime)
 };
 
 struct s_Timing {
@@ -173,7 +160,7 @@ struct s_Timing {
     s_TimingAxis horizontal;
     s_TimingAxis vertical;
 
-    LCD_SCREEN_EQUALITY(s_Timing, support, editable, interlaced, refresh, horizontal, vertical)
+    LCD_RECORD_FIELDS(s_Timing, support, editable, interlaced, refresh, horizontal, vertical)
 };
 
 // Edge blending between neighbouring tiles.
@@ -185,7 +172,7 @@ struct s_Feather {
     s_RangeValue gamma;
     s_RangeValue width;
 
-    LCD_SCREEN_EQUALITY(s_Feather, support, editable, enable, type, gamma, width)
+    LCD_RECORD_FIELDS(s_Feather, support, editable, enable, type, gamma, width)
 };
 
 // The output parameters every connector of a spliced screen shares.
@@ -201,8 +188,8 @@ struct s_RefOutputPara {
     s_Timing timing;
     s_Feather feather;
 
-    LCD_SCREEN_EQUALITY(s_RefOutputPara, support, editable, customBuild, customDelete, colorDepths,
-                        colorSpaces, colorRanges, formatMapping, timing, feather)
+    LCD_RECORD_FIELDS(s_RefOutputPara, support, editable, customBuild, customDelete, colorDepths, colorSpaces,
+                      colorRanges, formatMapping, timing, feather)
 };
 
 // Splicing geometry and output timing.
@@ -213,7 +200,7 @@ struct s_Mosaic {
     s_MosaicWindow window;
     s_RefOutputPara refOutputPara;
 
-    LCD_SCREEN_EQUALITY(s_Mosaic, support, editable, type, window, refOutputPara)
+    LCD_RECORD_FIELDS(s_Mosaic, support, editable, type, window, refOutputPara)
 };
 
 struct s_BackgroundColor {
@@ -223,7 +210,7 @@ struct s_BackgroundColor {
     s_RangeValue g;
     s_RangeValue b;
 
-    LCD_SCREEN_EQUALITY(s_BackgroundColor, support, editable, r, g, b)
+    LCD_RECORD_FIELDS(s_BackgroundColor, support, editable, r, g, b)
 };
 
 // Position of the layer layout on the screen.
@@ -233,7 +220,7 @@ struct s_LayoutPosition {
     s_RangeValue x;
     s_RangeValue y;
 
-    LCD_SCREEN_EQUALITY(s_LayoutPosition, support, editable, x, y)
+    LCD_RECORD_FIELDS(s_LayoutPosition, support, editable, x, y)
 };
 
 // Test patterns; gridPixel.step holds the grid's "Coefficient".
@@ -249,8 +236,8 @@ struct s_TestPattern {
     s_RangeValue gridLineWidth;
     s_OptionList speed;
 
-    LCD_SCREEN_EQUALITY(s_TestPattern, support, editable, enable, type, bright, gridGear, gridPixel, gridType,
-                        gridLineWidth, speed)
+    LCD_RECORD_FIELDS(s_TestPattern, support, editable, enable, type, bright, gridGear, gridPixel, gridType,
+                      gridLineWidth, speed)
 };
 
 // Functions whose elements the loader only checks for: their contents are not
@@ -279,8 +266,8 @@ struct s_Features {
     s_HDR hdr;
     s_Genlock genlock;
 
-    LCD_SCREEN_EQUALITY(s_Features, general, mosaic, backgroundColor, layout, pgmEdit, selected, imageQuality,
-                        freeze, ftb, testPattern, switchEffect, tbar, hdr, genlock)
+    LCD_RECORD_FIELDS(s_Features, general, mosaic, backgroundColor, layout, pgmEdit, selected, imageQuality,
+                      freeze, ftb, testPattern, switchEffect, tbar, hdr, genlock)
 };
 
 // ---- the screen -----------------------------------------------------------
@@ -299,14 +286,12 @@ struct s_VrnScreen {
     std::vector<s_DeviceMode> deviceModes; // file order
     s_Features features;
 
-    LCD_SCREEN_EQUALITY(s_VrnScreen, support, editable, type, spliceMode, incompleteSplicing, customBuild,
-                        customDelete, limitNum, deviceModesInfo, deviceModes, features)
+    LCD_RECORD_FIELDS(s_VrnScreen, support, editable, type, spliceMode, incompleteSplicing, customBuild,
+                      customDelete, limitNum, deviceModesInfo, deviceModes, features)
 };
 
 // The name under which the device interface hands out a screen record.
 using s_Screen = s_VrnScreen;
-
-#undef LCD_SCREEN_EQUALITY
 
 } // namespace Screen
 } // namespace ConfigModel

@@ -10,7 +10,6 @@
 // (#pragma push_macro("slots"), #undef slots, ..., #pragma pop_macro("slots")).
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "lcdconfigmodel/values.h"
@@ -24,8 +23,7 @@ struct s_ConnectorGroup {
     qint32 value = 0;      // group id
     std::string groupName; // UTF-8
 
-    bool operator==(const s_ConnectorGroup& o) const { return value == o.value && groupName == o.groupName; }
-    bool operator!=(const s_ConnectorGroup& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ConnectorGroup, value, groupName)
 };
 
 // A card placed in a mixed-card slot, with its connector groups in file order.
@@ -33,10 +31,7 @@ struct s_InlineSubcard {
     qint32 moduleId = 0; // card model id
     std::vector<s_ConnectorGroup> connectorGroups;
 
-    bool operator==(const s_InlineSubcard& o) const {
-        return moduleId == o.moduleId && connectorGroups == o.connectorGroups;
-    }
-    bool operator!=(const s_InlineSubcard& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_InlineSubcard, moduleId, connectorGroups)
 };
 
 // One numbered slot; `subcards` is filled only in the mixed-card group.
@@ -44,16 +39,14 @@ struct s_Slot {
     qint32 index = 0;
     std::vector<s_InlineSubcard> subcards;
 
-    bool operator==(const s_Slot& o) const { return index == o.index && subcards == o.subcards; }
-    bool operator!=(const s_Slot& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Slot, index, subcards)
 };
 
 // A card model that a slot group accepts.
 struct s_Subcard {
     qint32 moduleId = 0;
 
-    bool operator==(const s_Subcard& o) const { return moduleId == o.moduleId; }
-    bool operator!=(const s_Subcard& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Subcard, moduleId)
 };
 
 // One slot group. A group the file does not describe (or describes without
@@ -65,11 +58,7 @@ struct s_SlotAttr {
     std::vector<s_Slot> slots;       // in file order
     std::vector<s_Subcard> subcards; // accepted card models, in file order
 
-    bool operator==(const s_SlotAttr& o) const {
-        return std::tie(silkScreenName, pluginDirection, interfaceType, slots, subcards) ==
-               std::tie(o.silkScreenName, o.pluginDirection, o.interfaceType, o.slots, o.subcards);
-    }
-    bool operator!=(const s_SlotAttr& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_SlotAttr, silkScreenName, pluginDirection, interfaceType, slots, subcards)
 };
 
 // The slot groups, in the order the device queries walk them.
@@ -82,13 +71,8 @@ struct s_Slots {
     s_SlotAttr auxCardSlots;         // "AUXCardSlots"
     s_SlotAttr expCardSlots;         // "EXPCardSlots"
 
-    bool operator==(const s_Slots& o) const {
-        return std::tie(mainControlCardSlots, mixCardSlots, inputCardSlots, outputCardSlots, mvrCardSlots,
-                        auxCardSlots, expCardSlots) ==
-               std::tie(o.mainControlCardSlots, o.mixCardSlots, o.inputCardSlots, o.outputCardSlots,
-                        o.mvrCardSlots, o.auxCardSlots, o.expCardSlots);
-    }
-    bool operator!=(const s_Slots& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Slots, mainControlCardSlots, mixCardSlots, inputCardSlots, outputCardSlots,
+                      mvrCardSlots, auxCardSlots, expCardSlots)
 };
 
 // The whole slot file.
@@ -96,8 +80,7 @@ struct s_VrnSolt {
     s_Slots slots;
     s_SupportInfo crossCard; // cross-card support of the model; -1, -1 until a file is read
 
-    bool operator==(const s_VrnSolt& o) const { return slots == o.slots && crossCard == o.crossCard; }
-    bool operator!=(const s_VrnSolt& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_VrnSolt, slots, crossCard)
 };
 
 } // namespace Slot

@@ -10,7 +10,6 @@
 #include <QtCore/QString>
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "lcdconfigmodel/export.h"
@@ -25,8 +24,7 @@ struct s_Name {
     std::string zhCN;
     std::string en;
 
-    bool operator==(const s_Name& o) const { return zhCN == o.zhCN && en == o.en; }
-    bool operator!=(const s_Name& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Name, zhCN, en)
 };
 
 // One connector of a card; `position` (counted from 1) is the key of the
@@ -44,13 +42,8 @@ struct s_Connector {
     qint32 reserved1 = 0;
     qint32 reserved2 = 0;
 
-    bool operator==(const s_Connector& o) const {
-        return std::tie(enable, position, visible, capacityMode, workMode, backupPos, type, printKeyNo,
-                        interfaceType, reserved1, reserved2) ==
-               std::tie(o.enable, o.position, o.visible, o.capacityMode, o.workMode, o.backupPos, o.type,
-                        o.printKeyNo, o.interfaceType, o.reserved1, o.reserved2);
-    }
-    bool operator!=(const s_Connector& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Connector, enable, position, visible, capacityMode, workMode, backupPos, type,
+                      printKeyNo, interfaceType, reserved1, reserved2)
 };
 
 // A connector as a capacity of a device mode lists it: the connector, its
@@ -59,12 +52,8 @@ struct s_ConnectorInConnectorsDeviceModeCapacitysCapacity : s_Connector {
     qint32 groupId = 0;
     s_ValueSetting dynamicRange; // "DynamicRange": Support, Editable, Value, DataType
 
-    bool operator==(const s_ConnectorInConnectorsDeviceModeCapacitysCapacity& o) const {
-        return s_Connector::operator==(o) && groupId == o.groupId && dynamicRange == o.dynamicRange;
-    }
-    bool operator!=(const s_ConnectorInConnectorsDeviceModeCapacitysCapacity& o) const {
-        return !(*this == o);
-    }
+    LCD_DERIVED_RECORD_FIELDS(s_ConnectorInConnectorsDeviceModeCapacitysCapacity, s_Connector, groupId,
+                              dynamicRange)
 };
 
 // One capacity (bandwidth arrangement) of a device mode, under "Connectors".
@@ -74,10 +63,7 @@ struct s_CapacityInConnectorsDeviceModeCapacitys {
     qint32 value = 0;
     std::vector<s_ConnectorInConnectorsDeviceModeCapacitysCapacity> connectors;
 
-    bool operator==(const s_CapacityInConnectorsDeviceModeCapacitys& o) const {
-        return std::tie(name, enable, value, connectors) == std::tie(o.name, o.enable, o.value, o.connectors);
-    }
-    bool operator!=(const s_CapacityInConnectorsDeviceModeCapacitys& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CapacityInConnectorsDeviceModeCapacitys, name, enable, value, connectors)
 };
 
 // A device mode under "Connectors" with its capacities. `reserved` is not
@@ -88,11 +74,7 @@ struct s_DeviceModeInConnectors {
     qint32 capacitysValue = 0;
     std::vector<s_CapacityInConnectorsDeviceModeCapacitys> capacitys;
 
-    bool operator==(const s_DeviceModeInConnectors& o) const {
-        return std::tie(value, reserved, capacitysValue, capacitys) ==
-               std::tie(o.value, o.reserved, o.capacitysValue, o.capacitys);
-    }
-    bool operator!=(const s_DeviceModeInConnectors& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_DeviceModeInConnectors, value, reserved, capacitysValue, capacitys)
 };
 
 // One preset thumbnail timing. `reserved` is not filled by any file.
@@ -103,11 +85,7 @@ struct s_ResolutionRatio {
     qint32 reserved = 0;
     std::vector<std::string> refreshs; // refresh rates as written, e.g. "59.94"
 
-    bool operator==(const s_ResolutionRatio& o) const {
-        return std::tie(width, height, interlaced, reserved, refreshs) ==
-               std::tie(o.width, o.height, o.interlaced, o.reserved, o.refreshs);
-    }
-    bool operator!=(const s_ResolutionRatio& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ResolutionRatio, width, height, interlaced, reserved, refreshs)
 };
 
 // The preset thumbnail timings of a connector type: one ratio per capacity
@@ -118,11 +96,7 @@ struct s_PresetThumbTiming {
     qint32 interfaceType = 0;
     std::vector<s_ResolutionRatio> resolutionRatios;
 
-    bool operator==(const s_PresetThumbTiming& o) const {
-        return std::tie(support, editable, interfaceType, resolutionRatios) ==
-               std::tie(o.support, o.editable, o.interfaceType, o.resolutionRatios);
-    }
-    bool operator!=(const s_PresetThumbTiming& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_PresetThumbTiming, support, editable, interfaceType, resolutionRatios)
 };
 
 // One connector type of a card ("Connector" under "Types").
@@ -130,10 +104,7 @@ struct s_TypesConnector {
     qint32 type = 0;
     s_PresetThumbTiming presetThumbTiming;
 
-    bool operator==(const s_TypesConnector& o) const {
-        return type == o.type && presetThumbTiming == o.presetThumbTiming;
-    }
-    bool operator!=(const s_TypesConnector& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_TypesConnector, type, presetThumbTiming)
 };
 using s_TypesGroups = std::vector<s_TypesConnector>;
 
@@ -143,10 +114,7 @@ struct s_Connectors {
     std::vector<s_DeviceModeInConnectors> deviceModes;
     s_TypesGroups types;
 
-    bool operator==(const s_Connectors& o) const {
-        return std::tie(connectors, deviceModes, types) == std::tie(o.connectors, o.deviceModes, o.types);
-    }
-    bool operator!=(const s_Connectors& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Connectors, connectors, deviceModes, types)
 };
 
 // A group of connectors ("ConnectorGroups"); `value` is the group number.
@@ -155,10 +123,7 @@ struct s_ConnectorGroup {
     qint32 selectNum = 0;
     std::vector<s_Connector> connectors;
 
-    bool operator==(const s_ConnectorGroup& o) const {
-        return std::tie(value, selectNum, connectors) == std::tie(o.value, o.selectNum, o.connectors);
-    }
-    bool operator!=(const s_ConnectorGroup& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ConnectorGroup, value, selectNum, connectors)
 };
 
 // "ConnectorGroups" with its one "Capacity".
@@ -168,11 +133,7 @@ struct s_Capacity {
     qint32 value = 0;
     std::vector<s_ConnectorGroup> groups;
 
-    bool operator==(const s_Capacity& o) const {
-        return std::tie(groupsValue, name, value, groups) ==
-               std::tie(o.groupsValue, o.name, o.value, o.groups);
-    }
-    bool operator!=(const s_Capacity& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Capacity, groupsValue, name, value, groups)
 };
 
 // A connector's state in one device mode of a capacity group.
@@ -184,19 +145,15 @@ struct s_ConnectorInCapacityGroups {
     qint32 workMode = 0;
     qint32 backupPos = 0;
 
-    bool operator==(const s_ConnectorInCapacityGroups& o) const {
-        return std::tie(enable, position, visible, capacityMode, workMode, backupPos) ==
-               std::tie(o.enable, o.position, o.visible, o.capacityMode, o.workMode, o.backupPos);
-    }
-    bool operator!=(const s_ConnectorInCapacityGroups& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ConnectorInCapacityGroups, enable, position, visible, capacityMode, workMode,
+                      backupPos)
 };
 
 struct s_DeviceMode {
     qint32 value = 0;
     std::vector<s_ConnectorInCapacityGroups> connectors;
 
-    bool operator==(const s_DeviceMode& o) const { return value == o.value && connectors == o.connectors; }
-    bool operator!=(const s_DeviceMode& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_DeviceMode, value, connectors)
 };
 
 // One capacity of "CapacityGroups" with its device modes.
@@ -206,11 +163,7 @@ struct s_CapacityInCapacityGroups {
     qint32 value = 0;
     std::vector<s_DeviceMode> deviceModes;
 
-    bool operator==(const s_CapacityInCapacityGroups& o) const {
-        return std::tie(name, enable, value, deviceModes) ==
-               std::tie(o.name, o.enable, o.value, o.deviceModes);
-    }
-    bool operator!=(const s_CapacityInCapacityGroups& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CapacityInCapacityGroups, name, enable, value, deviceModes)
 };
 
 // Connector copy data: capacity -> device mode -> group -> connectors that
@@ -218,26 +171,21 @@ struct s_CapacityInCapacityGroups {
 struct s_ConnectorInfo {
     qint32 position = 0;
 
-    bool operator==(const s_ConnectorInfo& o) const { return position == o.position; }
-    bool operator!=(const s_ConnectorInfo& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ConnectorInfo, position)
 };
 
 struct s_ConnectorGroupInfo {
     qint32 value = 0;
     std::vector<s_ConnectorInfo> connectors;
 
-    bool operator==(const s_ConnectorGroupInfo& o) const {
-        return value == o.value && connectors == o.connectors;
-    }
-    bool operator!=(const s_ConnectorGroupInfo& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ConnectorGroupInfo, value, connectors)
 };
 
 struct s_DeviceModeInfo {
     qint32 value = 0;
     std::vector<s_ConnectorGroupInfo> groups;
 
-    bool operator==(const s_DeviceModeInfo& o) const { return value == o.value && groups == o.groups; }
-    bool operator!=(const s_DeviceModeInfo& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_DeviceModeInfo, value, groups)
 };
 
 struct s_CapacityInfo {
@@ -246,11 +194,7 @@ struct s_CapacityInfo {
     qint32 value = 0;
     std::vector<s_DeviceModeInfo> deviceModes;
 
-    bool operator==(const s_CapacityInfo& o) const {
-        return std::tie(name, enable, value, deviceModes) ==
-               std::tie(o.name, o.enable, o.value, o.deviceModes);
-    }
-    bool operator!=(const s_CapacityInfo& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_CapacityInfo, name, enable, value, deviceModes)
 };
 
 // "ConnectorCopy"; the capacities are the children of its "MainRelated".
@@ -261,11 +205,7 @@ struct s_ConnectorCopy {
     s_SupportInfo mainRelated;
     std::vector<s_CapacityInfo> capacityInfos;
 
-    bool operator==(const s_ConnectorCopy& o) const {
-        return std::tie(support, editable, value, mainRelated, capacityInfos) ==
-               std::tie(o.support, o.editable, o.value, o.mainRelated, o.capacityInfos);
-    }
-    bool operator!=(const s_ConnectorCopy& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_ConnectorCopy, support, editable, value, mainRelated, capacityInfos)
 };
 
 // A card model this card may be paired with.
@@ -273,16 +213,14 @@ struct s_Association {
     qint32 modelId = 0;
     qint32 cardMode = 0;
 
-    bool operator==(const s_Association& o) const { return modelId == o.modelId && cardMode == o.cardMode; }
-    bool operator!=(const s_Association& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Association, modelId, cardMode)
 };
 
 // A panel section of the card.
 struct s_Section {
     qint32 code = 0;
 
-    bool operator==(const s_Section& o) const { return code == o.code; }
-    bool operator!=(const s_Section& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Section, code)
 };
 
 // One card model of the catalogue.
@@ -298,13 +236,8 @@ struct s_Subcard {
     s_ConnectorCopy connectorCopy;
     std::vector<s_Association> associations;
 
-    bool operator==(const s_Subcard& o) const {
-        return std::tie(modelId, cardMode, interlacedMaxCount, name, connectors, capacity, capacityGroups,
-                        sections, connectorCopy, associations) ==
-               std::tie(o.modelId, o.cardMode, o.interlacedMaxCount, o.name, o.connectors, o.capacity,
-                        o.capacityGroups, o.sections, o.connectorCopy, o.associations);
-    }
-    bool operator!=(const s_Subcard& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Subcard, modelId, cardMode, interlacedMaxCount, name, connectors, capacity,
+                      capacityGroups, sections, connectorCopy, associations)
 };
 
 } // namespace Subcard
