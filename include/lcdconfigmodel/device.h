@@ -36,11 +36,7 @@ struct s_Device {
     QVector<Screen::s_VrnScreen> screens;                 // one per screen file, in reading order
     std::vector<CrossCard::s_CrossSubcard> crossSubcards; // the cross-card file
 
-    bool operator==(const s_Device& o) const {
-        return modelId == o.modelId && feature == o.feature && slot == o.slot && layers == o.layers &&
-               screens == o.screens && crossSubcards == o.crossSubcards;
-    }
-    bool operator!=(const s_Device& o) const { return !(*this == o); }
+    LCD_RECORD_FIELDS(s_Device, modelId, feature, slot, layers, screens, crossSubcards)
 };
 
 } // namespace Devicecfg
