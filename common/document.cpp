@@ -46,6 +46,7 @@ NestingViolation positionOf(const char* begin, const char* at) {
             ++column;
     }
     where.column = column;
+    where.reason = nestingMessage();
     return where;
 }
 
@@ -84,50 +85,55 @@ const char* skipTag(const char* p, const char* end, bool* selfClosing) {
     return end;
 }
 
-// Past a <!DOCTYPE ...> declaration, internal subset and quoted texts included.
-const char* skipDoctype(const char* p, const char* end) {
-    int brackets = 0;
-    while (p < end) {
-        const char c = *p;
-        if (c == '"' || c == '\'') {
-            const void* close = std::memchr(p + 1, c, static_cast<size_t>(end - p - 1));
-            p = close ? static_cast<const char*>(close) + 1 : end;
-            continue;
-        }
-        if (c == '[')
-            ++brackets;
-        else if (c == ']')
-            --brackets;
-        else if (c == '>' && brackets <= 0)
-            return p + 1;
-        ++p;
-    }
-    return end;
-}
-
-// Encodings that are not ASCII-compatible (UTF-16, UTF-32) are measured with
-// the stream reader; they are rare in description files.
+// Encodings that are not ASCII-compatible (UTF-16, UTF-32) cannot be scanned
+// byte by byte.
 bool asciiCompatible(const QByteArray& data) {
     if (data.size() < 2) return true;
     const unsigned char a = static_cast<unsigned char>(data[0]);
     const unsigned char b = static_cast<unsigned char>(data[1]);
-    if ((a == 0xFE && b == 0xFF) || (a == 0xFF && b == 0xFE) || a == 0 || b == 0) return false;
-    return true;
+    return !((a == 0xFE && b == 0xFF) || (a == 0xFF && b == 0xFE) || a == 0 || b == 0);
 }
 
+// Whether the encoding named in an XML declaration writes '<', '>', '/' and
+// quotes as their ASCII bytes and never uses those bytes inside another
+// character. Anything else (UTF-7 spells markup as "+ADw-") is measured
+// by the stream reader.
+bool byteScannable(const QByteArray& declaration) {
+    const int at = declaration.indexOf("encoding");
+    if (at < 0) return true;
+    int from = at + 8;
+    while (from < declaration.size() && (declaration[from] == ' ' || declaration[from] == '=')) ++from;
+    if (from >= declaration.size()) return false;
+    const char quote = declaration[from];
+    const int close = declaration.indexOf(quote, from + 1);
+    if ((quote != '"' && quote != '\'') || close < 0) return false;
+    const QByteArray name = declaration.mid(from + 1, close - from - 1).toLower();
+    for (const char* safe : {"utf-8", "utf8", "us-ascii", "ascii", "iso-8859-", "latin", "windows-125", "gb2312",
+                             "gbk", "gb18030", "big5"}) {
+        if (name.startsWith(safe)) return true;
+    }
+    return false;
+}
+
+// The full reader, for documents the byte scanner does not handle: other
+// encodings and documents with a DOCTYPE. Entity declarations are refused
+// (an entity can carry markup that nests below the check), and so is
+// anything the reader cannot read.
 bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* where) {
     QXmlStreamReader reader(data);
     int depth = 0;
+    auto reject = [&](const QString& reason) {
+        if (where) *where = {int(reader.lineNumber()), int(reader.columnNumber()), reason};
+        return false;
+    };
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
+        case QXmlStreamReader::DTD:
+            if (!reader.entityDeclarations().isEmpty())
+                return reject(QStringLiteral("entity declarations are not accepted in description files"));
+            break;
         case QXmlStreamReader::StartElement:
-            if (++depth > maxDepth) {
-                if (where) {
-                    where->line = static_cast<int>(reader.lineNumber());
-                    where->column = static_cast<int>(reader.columnNumber());
-                }
-                return false;
-            }
+            if (++depth > maxDepth) return reject(nestingMessage());
             break;
         case QXmlStreamReader::EndElement:
             --depth;
@@ -136,7 +142,7 @@ bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* 
             break;
         }
     }
-    return true; // malformed input is left for the DOM parser to report
+    return reader.hasError() ? reject(reader.errorString()) : true;
 }
 
 } // namespace
@@ -171,16 +177,20 @@ bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where)
         p = tag + 1;
         if (p >= end) break;
         switch (*p) {
-        case '?': // processing instruction or XML declaration
-            p = find(p, end, "?>");
+        case '?': { // processing instruction or XML declaration
+            const char* const close = find(p, end, "?>");
+            if (tag == begin && !byteScannable(QByteArray::fromRawData(p, int(close - p))))
+                return checkNestingStream(data, maxDepth, where);
+            p = close;
             break;
+        }
         case '!':
             if (end - p >= 3 && p[1] == '-' && p[2] == '-')
                 p = find(p + 3, end, "-->");
             else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0)
                 p = find(p + 8, end, "]]>");
-            else
-                p = skipDoctype(p, end);
+            else // a DOCTYPE (or no markup at all): the full reader decides
+                return checkNestingStream(data, maxDepth, where);
             break;
         case '/':
             --depth;
@@ -206,7 +216,7 @@ bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocumen
     NestingViolation where;
     if (!checkNesting(data, kMaxDocumentDepth, &where)) {
         error = loader.text(kParseError)
-                    .arg(QString::number(where.line), QString::number(where.column), nestingMessage());
+                    .arg(QString::number(where.line), QString::number(where.column), where.reason);
         return false;
     }
     QString message;

@@ -78,10 +78,13 @@ LCD_CONFIGMODEL_EXPORT bool prepareDirectory(const QString& path, const Loader& 
 
 // Depth of element nesting in raw XML, without building anything. Returns
 // false when an element lies deeper than maxDepth, with the 1-based line and
-// column of its start tag.
+// column of its start tag. Plain UTF-8 (or Latin) documents are scanned byte
+// by byte; documents with a DOCTYPE or another encoding go through Qt's
+// stream reader, which also refuses entity declarations and unreadable input.
 struct NestingViolation {
     int line = 0;
     int column = 0;
+    QString reason;
 };
 LCD_CONFIGMODEL_EXPORT bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where);
 
