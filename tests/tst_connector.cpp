@@ -158,18 +158,7 @@ private Q_SLOTS:
 
     void resolutionFile() {
         QTemporaryDir dir;
-        test::writeFile(dir, "r1.xml", R"(<Vrn><ResolutionRatios>
-            <Mode Value="0"><R Width="1920" Height="1080" RefreshRate="6000" StandardType="1"/></Mode>
-            <types Value="7"/>
-            <Types><T Value="9"><G><R Width="1" Interlaced="1"/></G></T></Types>
-            <Types><T Value="2"><G><R Width="720" Height="576" RefreshRate="5000" Interlaced="1"/></G></T></Types>
-            <Types><T Value="5"/></Types>
-          </ResolutionRatios><Table><C Type="13">
-            <I Support="1" Editable="0" Type="2"><ResolutionRatios><M Value="2">
-              <R AutoRefresh="1" Width="3840" Height="2160" Interlaced="0" Coefficient="5"><L Value="5"/><L Value="6"/></R>
-            </M></ResolutionRatios></I>
-            <I Type="1"><Other/><ResolutionRatios><M Value="0"/></ResolutionRatios></I>
-          </C></Table></Vrn>)");
+        test::writeFile(dir, "r1.xml", test::testData("connector/resolutions.xml"));
         ConnectorConfigManager manager;
         QString error;
         QVERIFY(manager.readConfig(dir.path(), error));
