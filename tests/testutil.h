@@ -9,12 +9,29 @@
 #include <QtCore/QString>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
+#include <QtXml/QDomDocument>
 
 namespace test {
 
 // A path under the shipped sample configuration (share/config/...).
 inline QString sharedConfig(const QString& relative) {
     return QStringLiteral(LCD_SOURCE_DIR "/share/config/") + relative;
+}
+
+// A file under tests/data/ (fixtures too large to read well inline).
+inline QByteArray testData(const QString& relative) {
+    QFile file(QStringLiteral(LCD_SOURCE_DIR "/tests/data/") + relative);
+    if (!file.open(QIODevice::ReadOnly)) qFatal("cannot read test data %s", qPrintable(relative));
+    return file.readAll();
+}
+
+// `xml` parsed with namespace processing, as the loader does; a fixture that
+// is not well-formed stops the run.
+inline QDomDocument document(const QByteArray& xml) {
+    QDomDocument doc;
+    QString error;
+    if (!doc.setContent(xml, true, &error)) qFatal("test XML is not well-formed: %s", qPrintable(error));
+    return doc;
 }
 
 // Writes `content` to `dir/relative` (parents created) and returns the path.
@@ -87,5 +104,18 @@ private:
     QtMessageHandler m_previous = nullptr;
     QList<Message> m_messages;
 };
+
+// Runs `load(error)` and names what keeps it from being a clean load: empty
+// when it returned true, left `error` empty and wrote no warning.
+template <class Load> QString loadProblems(Load load) {
+    MessageRecorder recorder;
+    QString error;
+    QStringList problems;
+    if (!load(error)) problems << "load failed";
+    if (!error.isEmpty()) problems << error;
+    for (const Message& m : recorder.messages())
+        if (m.type != QtDebugMsg && m.type != QtInfoMsg) problems << m.text;
+    return problems.join("; ");
+}
 
 } // namespace test

@@ -1,14 +1,21 @@
-// The one document loader: each family's texts, the version rule, and the
-// nesting limit that keeps hostile files from overflowing the DOM parser.
+// The one document loader: each family's texts, the version rule, the
+// nesting limit that keeps hostile files from overflowing the DOM parser, and
+// the prologue every directory loader shares.
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QXmlStreamReader>
-#include <QtTest/QtTest>
 
+#include "catalogue/connectorconfig.h"
+#include "catalogue/subcardconfig.h"
 #include "common/document.h"
+#include "device/deviceconfig.h"
 #include "testutil.h"
 
+#include <functional>
+
 using namespace LCD::ConfigModel;
+using DirectoryLoader = std::function<bool(const QString&, QString&)>;
+Q_DECLARE_METATYPE(DirectoryLoader)
 
 namespace {
 
@@ -22,14 +29,11 @@ const DocumentFamily* familyNamed(const QString& name) {
 // The deepest element nesting, as Qt's stream reader measures it.
 int streamDepth(const QByteArray& data) {
     QXmlStreamReader reader(data);
-    int depth = 0;
-    int deepest = 0;
+    int depth = 0, deepest = 0;
     while (!reader.atEnd()) {
         const auto token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement)
-            deepest = qMax(deepest, ++depth);
-        else if (token == QXmlStreamReader::EndElement)
-            --depth;
+        if (token == QXmlStreamReader::StartElement) deepest = qMax(deepest, ++depth);
+        if (token == QXmlStreamReader::EndElement) --depth;
     }
     return deepest;
 }
@@ -42,152 +46,105 @@ class DocumentTest : public QObject {
 private Q_SLOTS:
     void familyTexts_data() {
         QTest::addColumn<QString>("family");
-        QTest::addColumn<QString>("relative"); // file to create; empty: empty path
+        QTest::addColumn<QString>("file"); // empty: empty path; "-": a missing file
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("expected"); // %1: the path; empty: success
-
-        const QByteArray vrn = "<Vrn><Device/></Vrn>";
-        QTest::newRow("device: empty path") << "device"
-                                            << "" << QByteArray() << "Invalid file path!\n";
-        QTest::newRow("device: missing file") << "device"
-                                              << "-" << QByteArray() << "Fail to open file [%1]!";
-        QTest::newRow("device: empty file fails at parse")
-            << "device"
-            << "a.xml" << QByteArray() << "Parse error at line 1, column 1:\nunexpected end of file";
-        QTest::newRow("device: root differs in case")
-            << "device"
-            << "a.xml" << QByteArray("<vrn/>") << "The file is not a valid configuration file for device.";
-        QTest::newRow("device: version 1.0 with blank")
-            << "device"
-            << "a.xml" << QByteArray("<Vrn version=\"1.0 \"/>")
-            << "The file is not a valid configuration file of version 1.0 for device.";
-        QTest::newRow("device: version 1.00")
-            << "device"
-            << "a.xml" << QByteArray("<Vrn version=\"1.00\"/>")
-            << "The file is not a valid configuration file of version 1.0 for device.";
-        QTest::newRow("device: no version accepted") << "device"
-                                                     << "a.xml" << vrn << "";
-        QTest::newRow("device: version 1.0 accepted")
-            << "device"
-            << "a.xml" << QByteArray("<Vrn version=\"1.0\"/>") << "";
-
-        QTest::newRow("menu: empty path") << "menu"
-                                          << "" << QByteArray() << "Invalid file path!\n";
-        QTest::newRow("menu: wrong root")
-            << "menu"
-            << "a.xml" << vrn << "The file is not a valid configuration file for device.";
-        QTest::newRow("menu: version")
-            << "menu"
-            << "a.xml" << QByteArray("<LCD version=\"2.0\"/>")
-            << "The file is not a valid configuration file of version 1.0 for device.";
-
-        QTest::newRow("ui: empty path has no placeholder") << "ui"
-                                                           << "" << QByteArray() << "Invalid file path!";
-        QTest::newRow("ui: missing file") << "ui"
-                                          << "-" << QByteArray() << "Fail to open file [%1]!";
-        QTest::newRow("ui: root differs in case")
-            << "ui"
-            << "a.xml" << QByteArray("<lcd/>") << "This file is not a valid configuration file.";
-        QTest::newRow("ui: version 1.0 with blank")
-            << "ui"
-            << "a.xml" << QByteArray("<LCD version=\" 1.0\"/>")
-            << "This file is not a valid configuration file of version 1.0 .";
-        QTest::newRow("ui: accepted") << "ui"
-                                      << "a.xml" << QByteArray("<LCD version=\"1.0\"><LcdKeys/></LCD>") << "";
-        QTest::newRow("hdr: root is Kalmir")
-            << "hdr"
-            << "a.xml" << QByteArray("<LCD/>") << "This file is not a valid configuration file.";
-        QTest::newRow("hdr: accepted") << "hdr"
-                                       << "a.xml" << QByteArray("<Kalmir/>") << "";
+        const auto row = [](const char* name, const char* family, const char* file, const QByteArray& content,
+                            const QString& expected) {
+            QTest::newRow(name) << family << file << content << expected;
+        };
+        const QString deviceRoot = "The file is not a valid configuration file for device.";
+        const QString deviceVersion = "The file is not a valid configuration file of version 1.0 for device.";
+        const QString uiRoot = "This file is not a valid configuration file.";
+        row("device: empty path", "device", "", {}, "Invalid file path!\n");
+        row("device: missing file", "device", "-", {}, "Fail to open file [%1]!");
+        row("device: empty file fails at parse", "device", "a.xml", {},
+            "Parse error at line 1, column 1:\nunexpected end of file");
+        row("device: root differs in case", "device", "a.xml", "<vrn/>", deviceRoot);
+        row("device: version 1.0 with blank", "device", "a.xml", "<Vrn version=\"1.0 \"/>", deviceVersion);
+        row("device: version 1.00", "device", "a.xml", "<Vrn version=\"1.00\"/>", deviceVersion);
+        row("device: no version accepted", "device", "a.xml", "<Vrn><Device/></Vrn>", "");
+        row("device: version 1.0 accepted", "device", "a.xml", "<Vrn version=\"1.0\"/>", "");
+        row("menu: empty path", "menu", "", {}, "Invalid file path!\n");
+        row("menu: wrong root", "menu", "a.xml", "<Vrn/>", deviceRoot);
+        row("menu: version", "menu", "a.xml", "<LCD version=\"2.0\"/>", deviceVersion);
+        row("ui: empty path has no placeholder", "ui", "", {}, "Invalid file path!");
+        row("ui: missing file", "ui", "-", {}, "Fail to open file [%1]!");
+        row("ui: root differs in case", "ui", "a.xml", "<lcd/>", uiRoot);
+        row("ui: version 1.0 with blank", "ui", "a.xml", "<LCD version=\" 1.0\"/>",
+            "This file is not a valid configuration file of version 1.0 .");
+        row("ui: accepted", "ui", "a.xml", "<LCD version=\"1.0\"><LcdKeys/></LCD>", "");
+        row("hdr: root is Kalmir", "hdr", "a.xml", "<LCD/>", uiRoot);
+        row("hdr: missing file", "hdr", "-", {}, "Fail to open file [%1]!");
+        row("hdr: accepted", "hdr", "a.xml", "<Kalmir/>", "");
     }
-
     void familyTexts() {
         QFETCH(QString, family);
-        QFETCH(QString, relative);
+        QFETCH(QString, file);
         QFETCH(QByteArray, content);
         QFETCH(QString, expected);
-
         QTemporaryDir dir;
-        QString path;
-        if (relative == "-")
-            path = dir.filePath("missing.xml");
-        else if (!relative.isEmpty())
-            path = test::writeFile(dir, relative, content);
+        QString path = file == "-" ? dir.filePath("missing.xml") : QString();
+        if (file.size() > 1) path = test::writeFile(dir, file, content);
 
-        const Loader loader{*familyNamed(family), nullptr, LCD_LOG_SITE};
-        QString error = QStringLiteral("earlier text");
+        QString error = "earlier text";
         QDomDocument doc;
         test::MessageRecorder recorder;
-        const bool ok = loadDocument(path, loader, doc, error);
-        if (expected.isEmpty()) {
-            QVERIFY(ok);
-            QCOMPARE(error, QStringLiteral("earlier text")); // kept on success
-        } else {
-            QVERIFY(!ok);
-            QCOMPARE(error,
-                     expected.contains("%1") ? expected.arg(path) : expected); // overwritten on failure
-        }
+        QCOMPARE(loadDocument(path, Loader{*familyNamed(family), nullptr, LCD_LOG_SITE}, doc, error),
+                 expected.isEmpty());
+        // Untouched on success, overwritten on failure.
+        QCOMPARE(error, expected.isEmpty() ? "earlier text" : QString(expected).replace("%1", path));
 
-        // Only the UI families trace a failed open, with the loader's context.
-        const bool traced = relative == "-" && (family == "ui" || family == "hdr");
-        QCOMPARE(recorder.debugs().size(), traced ? 1 : 0);
-        if (traced) {
-            QCOMPARE(recorder.debugs().first(), QStringLiteral("open file: %1  error code: 5").arg(path));
-            QCOMPARE(recorder.messages().first().category, QStringLiteral("default"));
-            QVERIFY(recorder.messages().first().file.endsWith("tst_document.cpp"));
-        }
+        // Only the UI families trace a failed open, in the loader's context.
+        const bool traced = file == "-" && (family == "ui" || family == "hdr");
+        QCOMPARE(recorder.debugs(),
+                 traced ? QStringList{"open file: " + path + "  error code: 5"} : QStringList{});
+        for (const test::Message& m : recorder.messages())
+            QVERIFY(m.category == "default" && m.file.endsWith("tst_document.cpp"));
     }
 
+    // The device family passes its texts through the loader class's
+    // translation context; the UI family uses them as written.
     void deviceTextsAreTranslated() {
-        // The device family passes its texts through the loader class's
-        // translation context; the UI family uses them as written.
-        class Upper : public QTranslator {
-        public:
+        struct Upper : QTranslator {
             QString translate(const char* context, const char* source, const char*, int) const override {
                 return QLatin1String(context) == "Ctx" ? QString::fromUtf8(source).toUpper() : QString();
             }
         } upper;
         QCoreApplication::installTranslator(&upper);
-        QString error;
+        QString device, ui;
         QDomDocument doc;
-        QVERIFY(!loadDocument(QString(), Loader{kDeviceFile, "Ctx", LCD_LOG_SITE}, doc, error));
-        QCOMPARE(error, QStringLiteral("INVALID FILE PATH!\n"));
-        QCOMPARE(Loader({kDeviceFile, "Ctx", LCD_LOG_SITE}).invalidNode("HDR"),
-                 QStringLiteral("INVALID [HDR] NODE."));
-        QVERIFY(!loadDocument(QString(), Loader{kUiFile, "Ctx", LCD_LOG_SITE}, doc, error));
-        QCOMPARE(error, QStringLiteral("Invalid file path!"));
+        QVERIFY(!loadDocument({}, Loader{kDeviceFile, "Ctx", LCD_LOG_SITE}, doc, device));
+        QVERIFY(!loadDocument({}, Loader{kUiFile, "Ctx", LCD_LOG_SITE}, doc, ui));
+        const QString node = Loader{kDeviceFile, "Ctx", LCD_LOG_SITE}.invalidNode("HDR");
         QCoreApplication::removeTranslator(&upper);
+        QCOMPARE(QStringList({device, node, ui}),
+                 QStringList({"INVALID FILE PATH!\n", "INVALID [HDR] NODE.", "Invalid file path!"}));
     }
 
     void deepDocumentsAreRejected_data() {
         QTest::addColumn<QString>("family");
         QTest::addColumn<int>("depth");
-        QTest::addColumn<bool>("accepted");
-        for (const char* family : {"device", "menu", "ui", "hdr"}) {
-            QTest::addRow("%s: 100000 levels", family) << family << 100000 << false;
-            QTest::addRow("%s: 257 levels", family) << family << 257 << false;
-            QTest::addRow("%s: 256 levels", family) << family << 256 << true;
-        }
+        for (const char* family : {"device", "menu", "ui", "hdr"})
+            for (int depth : {100000, kMaxDocumentDepth + 1, kMaxDocumentDepth})
+                QTest::addRow("%s: %d levels", family, depth) << family << depth;
     }
-
     void deepDocumentsAreRejected() {
         QFETCH(QString, family);
         QFETCH(int, depth);
-        QFETCH(bool, accepted);
         const DocumentFamily& f = *familyNamed(family);
         QTemporaryDir dir;
         const QString path = test::writeFile(dir, "deep.xml", test::nestedDocument(f.root, depth));
         QString error;
         QDomDocument doc;
-        QCOMPARE(loadDocument(path, Loader{f, nullptr, LCD_LOG_SITE}, doc, error), accepted);
-        if (!accepted) {
-            // The offending element is the 257th start tag: "<root>" then 255 "<e>".
-            const int column = 1 + int(qstrlen(f.root)) + 2 + 255 * 3;
+        QCOMPARE(loadDocument(path, Loader{f, nullptr, LCD_LOG_SITE}, doc, error),
+                 depth <= kMaxDocumentDepth);
+        // The offending element is the 257th start tag: "<root>" then 255 "<e>".
+        if (depth > kMaxDocumentDepth)
             QCOMPARE(error,
-                     QStringLiteral("Parse error at line 1, column %1:\nelement nesting is deeper than 256 "
-                                    "levels; the file is rejected")
-                         .arg(column));
-        }
+                     QStringLiteral("Parse error at line 1, column %1:\nelement nesting is deeper than "
+                                    "256 levels; the file is rejected")
+                         .arg(1 + int(qstrlen(f.root)) + 2 + 255 * 3));
     }
 
     // The byte scanner must agree with a real XML reader on every construct
@@ -206,7 +163,6 @@ private Q_SLOTS:
         QTest::newRow("utf-8 text") << QByteArray("<a><b>\xe4\xb8\xad\xe6\x96\x87</b></a>");
         QTest::newRow("multi-line tags") << QByteArray("<a\n  x=\"1\"\n><b\n/></a>");
     }
-
     void nestingScannerAgreesWithReader() {
         QFETCH(QByteArray, xml);
         const int depth = streamDepth(xml);
@@ -214,23 +170,21 @@ private Q_SLOTS:
         QVERIFY(!checkNesting(xml, depth - 1, nullptr));
     }
 
-    void violationPosition() {
+    void violationPositionAndUtf16() {
         NestingViolation where;
         QVERIFY(!checkNesting("<a>\n  <b>\n\xe4\xb8\xad<c/></b></a>", 2, &where));
         QCOMPARE(where.line, 3);
         QCOMPARE(where.column, 2); // one character (three bytes) before "<c/>"
-    }
 
-    void utf16DocumentsAreMeasuredToo() {
-        const QString text = QStringLiteral("<LCD>") + QString("<e>").repeated(300) +
-                             QString("</e>").repeated(300) + QStringLiteral("</LCD>");
+        const QString text =
+            "<LCD>" + QString("<e>").repeated(300) + QString("</e>").repeated(300) + "</LCD>";
         QByteArray utf16("\xFF\xFE", 2);
         utf16.append(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
         QVERIFY(!checkNesting(utf16, kMaxDocumentDepth, nullptr));
     }
 
+    // A realistic large file: the check must cost a small fraction of the parse.
     void nestingCheckIsCheap() {
-        // A realistic large file: the check must cost a small fraction of the parse.
         QByteArray xml = "<Vrn><Device>";
         for (int i = 0; i < 20000; ++i)
             xml += "<Item Support=\"1\" Editable=\"1\" Value=\"" + QByteArray::number(i) +
@@ -245,27 +199,42 @@ private Q_SLOTS:
         QDomDocument doc;
         QVERIFY(doc.setContent(xml, true));
         const qint64 parse = timer.nsecsElapsed();
-        qInfo("nesting check %.2f ms, DOM parse %.2f ms (%.1f%%)", scan / 1e6, parse / 1e6,
-              100.0 * scan / parse);
+        qInfo("nesting check %.2f ms, DOM parse %.2f ms", scan / 1e6, parse / 1e6);
         QVERIFY2(scan * 5 < parse, "the nesting check costs more than a fifth of the parse");
     }
 
-    void directoryPrologue() {
-        QTemporaryDir dir;
+    // An empty path fails, a missing directory is created with its parents, a
+    // file is no directory; every directory loader starts this way.
+    void directoryPrologue_data() {
+        QTest::addColumn<DirectoryLoader>("load");
         const Loader loader{kDeviceFile, nullptr, LCD_LOG_SITE};
-        QString error;
-        QVERIFY(!prepareDirectory(QString(), loader, error));
+        QTest::newRow("prepareDirectory") << DirectoryLoader(
+            [=](const QString& path, QString& error) { return prepareDirectory(path, loader, error); });
+        QTest::newRow("connector catalogue") << DirectoryLoader([](const QString& path, QString& error) {
+            return ConnectorConfigManager().readConfig(path, error);
+        });
+        QTest::newRow("card catalogue") << DirectoryLoader([](const QString& path, QString& error) {
+            return SubcardConfigManager().readConfig(path, error);
+        });
+        QTest::newRow("device registry") << DirectoryLoader([](const QString& path, QString& error) {
+            return DeviceTessanConfigManager().readConfig(path, error);
+        });
+    }
+    void directoryPrologue() {
+        QFETCH(DirectoryLoader, load);
+        QTemporaryDir dir;
+        QString error = "before";
+        QVERIFY(!load(QString(), error));
         QCOMPARE(error, QStringLiteral("Invalid file path!\n"));
 
         const QString created = dir.filePath("a/b/c");
-        error.clear();
-        QVERIFY(prepareDirectory(created, loader, error));
-        QVERIFY(QFileInfo(created).isDir());
-        QVERIFY(error.isEmpty());
+        error = "before";
+        QVERIFY(load(created, error) && QFileInfo(created).isDir());
+        QCOMPARE(error, QStringLiteral("before"));
 
         const QString file = test::writeFile(dir, "plain.xml", "<Vrn/>");
-        QVERIFY(!prepareDirectory(file, loader, error));
-        QCOMPARE(error, QStringLiteral("Invalid file path!\n%1").arg(file));
+        QVERIFY(!load(file, error));
+        QCOMPARE(error, "Invalid file path!\n" + file);
     }
 };
 

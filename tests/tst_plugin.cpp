@@ -29,21 +29,11 @@ private Q_SLOTS:
         QCOMPARE(static_cast<const void*>(pluginfo()), static_cast<const void*>(info));
     }
 
+    // The ids and their order are checked through the tool (tst_lcdcfg).
     void componentTable() {
-        const QStringList expected = {
-            "tavio.lcd.configmodel.device",     "tavio.lcd.configmodel.subcard",
-            "tavio.lcd.configmodel.connector",  "tavio.lcd.configmodel.menuconfigmanager",
-            "tavio.lcd.configmodel.hdrconfig",  "tavio.lcd.configmodel.keycheck",
-            "tavio.lcd.configmodel.printkeyno",
-        };
-        const auto components = m_host.components();
-        QStringList ids;
-        for (const kvc::ComponentInfo* c : components) {
-            ids << QLatin1String(c->id);
+        for (const kvc::ComponentInfo* c : m_host.components())
             QCOMPARE(c->description, "{\"end\":0 }\r\n");
-            QCOMPARE(qstrlen(c->description), 12u);
-        }
-        QCOMPARE(ids, expected);
+        QCOMPARE(m_host.components().size(), 7);
         QCOMPARE(m_host.info()->componentTable[7], nullptr);
     }
 
@@ -59,15 +49,6 @@ private Q_SLOTS:
         }
     }
 
-    void componentsWorkThroughTheirInterface() {
-        auto keys = m_host.create<IKeyCheckConfig>(QStringLiteral("tavio.lcd.configmodel.keycheck"));
-        QVERIFY(keys);
-        QVERIFY(keys->getKeyCheckList().isEmpty());
-        auto printKeys = m_host.create<IPrintKeyNoConfig>(QStringLiteral("tavio.lcd.configmodel.printkeyno"));
-        QVERIFY(printKeys);
-        QCOMPARE(printKeys->getPrintKeyNoCfg(29974, 2101).modelId, -1);
-    }
-
     void pluginitKeepsTheLastPointer() {
         int first = 0;
         int second = 0;
@@ -79,16 +60,17 @@ private Q_SLOTS:
     }
 
     void hostReportsWhatIsWrong_data() {
-        QTest::addColumn<QString>("library");
+        QTest::addColumn<QString>("library"); // empty: this plug-in
         QTest::addColumn<QString>("id");
         QTest::addColumn<QString>("message");
+        const QString qtXml = QLibraryInfo::location(QLibraryInfo::LibrariesPath) + "/libQt5Xml.so.5";
         QTest::newRow("missing file") << "/nonexistent/liblcd.so"
                                       << ""
                                       << "plug-in not found: /nonexistent/liblcd.so";
-        const QString qtXml = QLibraryInfo::location(QLibraryInfo::LibrariesPath) + "/libQt5Xml.so.5";
         QTest::newRow("missing symbol") << qtXml << ""
                                         << "does not export pluginit";
-        QTest::newRow("unknown id") << QString() << "tavio.lcd.configmodel.nothing"
+        QTest::newRow("unknown id") << ""
+                                    << "tavio.lcd.configmodel.nothing"
                                     << "unknown component id: tavio.lcd.configmodel.nothing";
     }
 
@@ -107,24 +89,18 @@ private Q_SLOTS:
         QVERIFY2(error.contains(message), qPrintable(error));
     }
 
+    // The quirks of the shared tables: a gap in the connector types, the
+    // spellings of icon paths and view-model names, the colour-space order.
     void constantTables() {
         using namespace LCD::Constants;
-        QVERIFY(!g_mapConnectorTypeName.contains(LCD::Enum::Interface::ConnectorType(12)));
-        QCOMPARE(g_mapConnectorTypeName.size(), 13);
-        QCOMPARE(g_mapConnectorTypeName.value(LCD::Enum::Interface::ConnectorType(13)),
-                 QStringLiteral("12G-SDI"));
-        QList<int> order;
-        for (auto it = g_mapIconPath.cbegin(); it != g_mapIconPath.cend(); ++it)
-            order << it.key();
-        QCOMPARE(order, (QList<int>{0,   1,   2,   3,   4,   5,   6,   7,   256, 257, 258,
-                                    259, 260, 261, 262, 263, 512, 513, 514, 515, 516, 517}));
+        using LCD::Enum::Interface::ConnectorType;
+        QVERIFY(!g_mapConnectorTypeName.contains(ConnectorType(12)));
+        QCOMPARE(g_mapConnectorTypeName.value(ConnectorType(13)), QStringLiteral("12G-SDI"));
         QCOMPARE(g_mapIconPath.value(LCD::Enum::TestPatternType(7)),
                  QStringLiteral("/share/themes/dark/images/icon_test_gird.png"));
-        QCOMPARE(int(g_mapOrderColorSpace.value(0)), 3);
-        QCOMPARE(int(g_mapOrderColorSpace.value(3)), 0);
-        QCOMPARE(int(g_mapOrderColorSpace.value(255)), 255);
-        QCOMPARE(g_mapThumbTagName.size(), 6);
-        QCOMPARE(g_mapDetailTimingTagName.size(), 14);
+        QCOMPARE(QList<int>({int(g_mapOrderColorSpace.value(0)), int(g_mapOrderColorSpace.value(3)),
+                             int(g_mapOrderColorSpace.value(255))}),
+                 QList<int>({3, 0, 255}));
         QCOMPARE(g_mapDetailTimingTagName.lastKey(), LCD::Enum::Interface::DetailTagName(13));
         QCOMPARE(GroupKeyTimeout, QStringLiteral("TIMEOUT"));
         QCOMPARE(OutputDynamicViewModel, std::string("outputinterfacedynamicviewmodelmessagehander"));

@@ -24,9 +24,7 @@ const QString kDir = "device/29974/";
 const QByteArray kChecked = "<ImageQuality/><FTB/><TestPattern/><SwitchEffect/><Tbar/><HDR/><Genlock/>";
 
 bool parse(const QByteArray& xml, QString& error, s_VrnScreen& out) {
-    QDomDocument doc;
-    if (!doc.setContent(xml, true)) qFatal("test XML is not well-formed: %s", xml.constData());
-    return ScreenConfigManager::instance()->parseDeviceScreencfg(doc, error, out);
+    return ScreenConfigManager::instance()->parseDeviceScreencfg(test::document(xml), error, out);
 }
 
 s_VrnScreen parseOk(const QByteArray& xml) {
@@ -58,15 +56,13 @@ private Q_SLOTS:
     // Complete loads without a message; every tile is fed by an output card's connector.
     void shippedFiles() {
         QFETCH(QString, file);
-        QFETCH(int, type);
-        test::MessageRecorder recorder;
         s_VrnScreen screen;
-        QString error;
-        QVERIFY(ScreenConfigManager::instance()->parseDeviceScreencfg(test::sharedConfig(kDir + file), error,
-                                                                      screen));
-        QCOMPARE(error, QString());
-        QVERIFY(recorder.clean());
-        QCOMPARE(screen.type, type);
+        QCOMPARE(test::loadProblems([&](QString& error) {
+                     return ScreenConfigManager::instance()->parseDeviceScreencfg(
+                         test::sharedConfig(kDir + file), error, screen);
+                 }),
+                 QString());
+        QTEST(screen.type, "type");
         QCOMPARE(screen.deviceModes.size(), size_t(2));
         for (const Screen::s_DeviceMode& mode : screen.deviceModes)
             for (const Screen::s_Templete& t : mode.templetes)
@@ -76,24 +72,19 @@ private Q_SLOTS:
                         QVERIFY(c.slotIndex >= 5 && c.slotIndex <= 8 && c.connectorIndex >= 1 &&
                                 c.connectorIndex <= 4);
                 }
-    }
-
-    void shippedSpliceFields() {
-        s_VrnScreen s;
-        QString error;
-        QVERIFY(ScreenConfigManager::instance()->parseDeviceScreencfg(
-            test::sharedConfig(kDir + "29974_screen_splice.xml"), error, s));
-        const Screen::s_DeviceMode& standard = s.deviceModes.at(0);
+        if (screen.type != 1) return;
+        const Screen::s_DeviceMode& standard = screen.deviceModes.at(0);
         QCOMPARE(standard.pvw, (Screen::s_Pvw{1, 0}));
         QCOMPARE(standard.templetes.at(0).name.zhCN, std::string("2x2 拼接"));
         QCOMPARE(standard.templetes[0].layouts.at(1).cells.at(3),
                  (Screen::s_Cell{1920, 1080, 1920, 1080, 2, 2, 6, 4}));
         QCOMPARE(standard.layerTypes.at(0).unit.values, (std::vector<EnumValue>{{1}, {2}, {4}}));
-        QCOMPARE(s.deviceModes.at(1).templetes.at(1).layouts.at(0).cells.at(1),
+        QCOMPARE(screen.deviceModes.at(1).templetes.at(1).layouts.at(0).cells.at(1),
                  (Screen::s_Cell{3840, 0, 3840, 2160, 1, 2, 5, 3}));
-        const Screen::s_Features& f = s.features;
+        const Screen::s_Features& f = screen.features;
+        // "Max" of a polarity is not read.
         QCOMPARE(f.mosaic.refOutputPara.timing.vertical.polarity, (s_RangeValue{1, 1, 1, 0, 0, 255, 1.0}));
-        QCOMPARE(f.testPattern.gridPixel.step, 2.5);
+        QCOMPARE(f.testPattern.gridPixel.step, 2.5); // "Coefficient" fills the step
         QCOMPARE(f.testPattern.gridLineWidth.step, 1.0);
     }
 
@@ -177,7 +168,6 @@ private Q_SLOTS:
         auto output = [](const QByteArray& in) {
             return features("<Mosaic><RefOutputPara>" + in + "</RefOutputPara></Mosaic>");
         };
-        auto grid = [](const QByteArray& in) { return features("<TestPattern>" + in + "</TestPattern>"); };
         row("PVW without attributes: softImp 1", mode(""), FIELD(s.deviceModes[0].pvw.softImp), 1);
         row("Templetes without Value: 1", mode(""), FIELD(s.deviceModes[0].templetesValue), 1);
         row("LayerCount without attributes: valid 1", layer("<LayerCount/>"),
@@ -185,11 +175,6 @@ private Q_SLOTS:
         row("absent Support on Screen stores 0", "", FIELD(s.support), 0);
         row("Refresh without Max stores 0", output("<Timing><Refresh/></Timing>"),
             FIELD(s.features.mosaic.refOutputPara.timing.refresh.max), 0);
-        row("GridPixel Coefficient fills step", grid("<GridPixel Coefficient=\"2.5\"/>"),
-            FIELD(s.features.testPattern.gridPixel.step), 2.5);
-        row("SyncPolarity keeps max 255",
-            output("<Timing><Vertical><SyncPolarity><E/></SyncPolarity></Vertical></Timing>"),
-            FIELD(s.features.mosaic.refOutputPara.timing.vertical.polarity.max), 255);
         row("Feather Enable keeps no values", output("<Feather><Enable><E Value=\"1\"/></Enable></Feather>"),
             FIELD(s.features.mosaic.refOutputPara.feather.enable.values.size()), 0);
         row("NameGB2312 without General is not read", features("<NameGB2312 Max=\"16\"/>"),

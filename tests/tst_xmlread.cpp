@@ -1,5 +1,7 @@
-// The reading vocabulary: value shapes with their defaults, list modes,
-// lenient and strict range readers, the section transaction, the observer.
+// The reading vocabulary: the range readers with their defaults, the section
+// transaction and the observer. The list modes, the text and list shapes and
+// the logged lookup are pinned where the parsers use them (tst_feature,
+// tst_layerfile, tst_screenfile, tst_connector).
 
 #include <QtTest/QtTest>
 
@@ -17,25 +19,11 @@ QDomElement parse(const QByteArray& xml) {
     return doc.documentElement();
 }
 
-s_RangeValue range(qint32 s, qint32 e, qint32 v, qint32 t, qint32 mn, qint32 mx) {
-    s_RangeValue r;
-    r.support = s, r.editable = e, r.value = v, r.dataType = t, r.min = mn, r.max = mx;
-    return r;
-}
-
-std::vector<qint32> values(const s_OptionList& o) {
-    std::vector<qint32> out;
-    for (EnumValue v : o.values)
-        out.push_back(v.value);
-    return out;
-}
-
 const Loader kLoader{kDeviceFile, nullptr, LCD_LOG_SITE};
 
 } // namespace
 
 Q_DECLARE_METATYPE(s_RangeValue)
-Q_DECLARE_METATYPE(std::vector<qint32>)
 
 class XmlReadTest : public QObject {
     Q_OBJECT
@@ -47,17 +35,14 @@ private Q_SLOTS:
         QTest::addColumn<s_RangeValue>("expected");
         const s_RangeValue untouched;
         QTest::newRow("listed defaults, Value not read")
-            << QByteArray("<R Value=\"7\"/>") << "listed" << range(1, 1, 0, 0, 0, 255);
+            << QByteArray("<R Value=\"7\"/>") << "listed" << s_RangeValue{1, 1, 0, 0, 0, 255};
         QTest::newRow("listed attributes override") << QByteArray("<R Support=\"0\" Max=\"abc\" Min=\"-4\"/>")
-                                                    << "listed" << range(0, 1, 0, 0, -4, 0);
-        QTest::newRow("lenient: no attributes") << QByteArray("<R/>") << "lenient" << range(1, 1, 0, 0, 0, 0);
+                                                    << "listed" << s_RangeValue{0, 1, 0, 0, -4, 0};
+        QTest::newRow("lenient: no attributes")
+            << QByteArray("<R/>") << "lenient" << s_RangeValue{1, 1, 0, 0, 0, 0};
         QTest::newRow("lenient: null element keeps defaults") << QByteArray() << "lenient" << untouched;
         QTest::newRow("strict: no attributes")
-            << QByteArray("<P><R/></P>") << "strict" << range(0, 0, 0, 0, 0, 0);
-        QTest::newRow("strict: all six")
-            << QByteArray("<P><R Support=\"1\" Editable=\"0\" Value=\"3\" DataType=\"2\" "
-                          "Min=\"1\" Max=\"9\"/></P>")
-            << "strict" << range(1, 0, 3, 2, 1, 9);
+            << QByteArray("<P><R/></P>") << "strict" << s_RangeValue{0, 0, 0, 0, 0, 0};
     }
 
     void ranges() {
@@ -78,61 +63,6 @@ private Q_SLOTS:
         }
         QCOMPARE(r, expected);
         QCOMPARE(r.step, 1.0);
-    }
-
-    void strictReaderNeedsItsElement() {
-        s_RangeValue r;
-        QString error;
-        QVERIFY(!readRangeStrict(parse("<P><X/></P>"), "Gamma", r, error, {"Support"}));
-        QCOMPARE(error, QStringLiteral("Invalid [Gamma] node."));
-        QCOMPARE(r, s_RangeValue());
-    }
-
-    void optionLists_data() {
-        QTest::addColumn<QByteArray>("xml");
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<std::vector<qint32>>("expected");
-        const QByteArray mixed =
-            "<S><Title Value=\"9\"/><Enum Value=\"0\"/><Enum Value=\"1\"/><Other Value=\"5\"/></S>";
-        QTest::newRow("any child") << mixed << int(ListFrom::AnyChild) << std::vector<qint32>{9, 0, 1, 5};
-        QTest::newRow("Enum-first, then any name")
-            << mixed << int(ListFrom::EnumFirst) << std::vector<qint32>{0, 1, 5};
-        QTest::newRow("Enum-first without Enum")
-            << QByteArray("<S><X Value=\"1\"/></S>") << int(ListFrom::EnumFirst) << std::vector<qint32>{};
-        QTest::newRow("none") << mixed << int(ListFrom::None) << std::vector<qint32>{};
-        QTest::newRow("absent value and duplicates")
-            << QByteArray("<S><E/><E Value=\"2\"/><E Value=\"2\"/></S>") << int(ListFrom::AnyChild)
-            << std::vector<qint32>{0, 2, 2};
-    }
-
-    void optionLists() {
-        QFETCH(QByteArray, xml);
-        QFETCH(int, mode);
-        QFETCH(std::vector<qint32>, expected);
-        const s_OptionList o =
-            readOptions(parse(xml), {{"Support", "1"}, {"Value", "110"}}, static_cast<ListFrom>(mode));
-        QCOMPARE(values(o), expected);
-        QCOMPARE(o.support, 1);
-        QCOMPARE(o.editable, -1); // not listed, not read
-        QCOMPARE(o.value, 110);
-    }
-
-    void textRangeAndSettings() {
-        const QDomElement e = parse("<Ip Support=\"1\" Value=\"192.168.0.10\" Max=\"15\"/>");
-        const s_TextRange t =
-            readTextRange(e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}});
-        QCOMPARE(t.text, std::string("192.168.0.10"));
-        QCOMPARE(t.max, 255); // "Max" not listed
-        QCOMPARE(t.editable, 1);
-        const s_ValueSetting v = readValueSetting(parse("<D/>"), {{"Value", "0"}, {"Support", "1"}});
-        QCOMPARE(v.support, 1);
-        QCOMPARE(v.editable, -1);
-        const std::vector<s_RangeValue> list = readRangeList(
-            parse("<File><A/><B Value=\"3\"/></File>"),
-            {{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}, {"Min", ""}, {"Max", ""}});
-        QCOMPARE(list.size(), size_t(2));
-        QCOMPARE(list[0], range(0, 0, 0, 0, 0, 0));
-        QCOMPARE(list[1].value, 3);
     }
 
     void transactionCommitsOnlyComplete() {
@@ -156,18 +86,6 @@ private Q_SLOTS:
         }));
         QCOMPARE(stored, (s_SupportInfo{1, 0}));
         QCOMPARE(error, QStringLiteral("Invalid [Phase] node.")); // success leaves the message
-    }
-
-    void loggedLookupWarnsWithTheLoadersContext() {
-        QString error;
-        Section section(error, kLoader);
-        test::MessageRecorder recorder;
-        QVERIFY(section.needLogged(parse("<E/>"), "HDCP").isNull());
-        QVERIFY(
-            section.needLogged(parse("<E/>"), "General").isNull()); // section already ended: no second line
-        QCOMPARE(recorder.warnings(), QStringList{"Log: Invalid [HDCP] node."});
-        QCOMPARE(recorder.messages().first().category, QStringLiteral("default"));
-        QVERIFY(recorder.messages().first().file.endsWith("tst_xmlread.cpp"));
     }
 
     void observerSeesLookupsAndReads() {
