@@ -158,8 +158,10 @@ private Q_SLOTS:
         QTest::newRow("attribute with > and /")
             << QByteArray("<a x=\"1>2/\" y='/>'><b z=\"&lt;c&gt;/\"/></a>");
         QTest::newRow("self-closing with blank") << QByteArray("<a><b /><b/><b></b></a>");
-        QTest::newRow("doctype with subset")
-            << QByteArray("<!DOCTYPE a [<!ELEMENT a ANY><!ENTITY e \"<b>\">]><a><b/></a>");
+        QTest::newRow("doctype subset with a quote in a comment")
+            << QByteArray("<!DOCTYPE a [<!ELEMENT a ANY><!-- ' <b><c> -->]><a><b/></a>");
+        QTest::newRow("UTF-7 markup")
+            << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-7\"?><a>+ADw-b/+AD4-</a>");
         QTest::newRow("utf-8 text") << QByteArray("<a><b>\xe4\xb8\xad\xe6\x96\x87</b></a>");
         QTest::newRow("multi-line tags") << QByteArray("<a\n  x=\"1\"\n><b\n/></a>");
     }
@@ -170,17 +172,42 @@ private Q_SLOTS:
         QVERIFY(!checkNesting(xml, depth - 1, nullptr));
     }
 
-    void violationPositionAndUtf16() {
+    void violationPosition() {
         NestingViolation where;
         QVERIFY(!checkNesting("<a>\n  <b>\n\xe4\xb8\xad<c/></b></a>", 2, &where));
         QCOMPARE(where.line, 3);
         QCOMPARE(where.column, 2); // one character (three bytes) before "<c/>"
+    }
 
-        const QString text =
-            "<LCD>" + QString("<e>").repeated(300) + QString("</e>").repeated(300) + "</LCD>";
+    // Documents the byte scanner cannot measure go through the stream reader.
+    void hostileDocumentsAreRejected_data() {
+        QTest::addColumn<QByteArray>("xml");
+        QTest::addColumn<QString>("reason");
+        const QString deep = "element nesting is deeper than 256 levels; the file is rejected";
+        const QString open = QString("<e>").repeated(300), close = QString("</e>").repeated(300);
+        const QString text = "<LCD>" + open + close + "</LCD>";
         QByteArray utf16("\xFF\xFE", 2);
         utf16.append(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
-        QVERIFY(!checkNesting(utf16, kMaxDocumentDepth, nullptr));
+        QTest::newRow("UTF-16") << utf16 << deep;
+        QTest::newRow("quote in a DOCTYPE comment")
+            << ("<!DOCTYPE Vrn [<!--'-->]><Vrn>" + open + close + "</Vrn><!--']>-->").toUtf8() << deep;
+        QTest::newRow("UTF-7 markup") << ("<?xml version=\"1.0\" encoding=\"UTF-7\"?><Vrn>" +
+                                          QString("+ADw-e+AD4-").repeated(300) + close + "</Vrn>")
+                                             .toUtf8()
+                                      << deep;
+        QTest::newRow("entity carrying markup")
+            << QByteArray("<!DOCTYPE Vrn [<!ENTITY e \"<i><i></i></i>\">]><Vrn>&e;</Vrn>")
+            << "entity declarations are not accepted in description files";
+    }
+
+    void hostileDocumentsAreRejected() {
+        QFETCH(QByteArray, xml);
+        QFETCH(QString, reason);
+        QDomDocument doc;
+        QString error;
+        QVERIFY(!parseDocumentData(xml, Loader{kDeviceFile, nullptr, LCD_LOG_SITE}, doc, error));
+        QVERIFY2(error.startsWith("Parse error at line 1, column ") && error.endsWith(":\n" + reason),
+                 qPrintable(error));
     }
 
     // A realistic large file: the check must cost a small fraction of the parse.
