@@ -28,6 +28,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 
 using namespace LCD::ConfigModel;
 
@@ -75,16 +77,44 @@ struct Workspace {
     }
 };
 
+// Element depth of a DOM tree, walked without recursion.
+int depthOf(const QDomDocument& doc) {
+    int deepest = 0;
+    int depth = 1;
+    QDomElement e = doc.documentElement();
+    while (!e.isNull()) {
+        deepest = std::max(deepest, depth);
+        if (!e.firstChildElement().isNull()) {
+            e = e.firstChildElement();
+            ++depth;
+            continue;
+        }
+        while (depth > 0 && e.nextSiblingElement().isNull()) {
+            e = e.parentNode().toElement();
+            --depth;
+        }
+        if (depth == 0) break;
+        e = e.nextSiblingElement();
+    }
+    return deepest;
+}
+
 // Parses as the device registry does, then walks the document with `parse`.
+// A parsed tree deeper than the nesting limit means the check was bypassed:
+// that aborts here, with a small input, instead of as a stack overflow on a
+// huge one.
 template <class Manager, class Record>
 void parseDevice(const QByteArray& bytes, const char* trContext,
                  bool (Manager::*parse)(const QDomDocument&, QString&, Record&)) {
     QDomDocument doc;
     QString error;
     Record record;
-    if (parseDocumentData(bytes, Loader{kDeviceFile, trContext, LCD_LOG_SITE}, doc, error) &&
-        (Manager::instance()->*parse)(doc, error, record))
-        keep(record == record);
+    if (!parseDocumentData(bytes, Loader{kDeviceFile, trContext, LCD_LOG_SITE}, doc, error)) return;
+    if (depthOf(doc) > kMaxDocumentDepth) {
+        std::fprintf(stderr, "nesting check bypassed: the parsed tree is %d elements deep\n", depthOf(doc));
+        std::abort();
+    }
+    if ((Manager::instance()->*parse)(doc, error, record)) keep(record == record);
 }
 
 void querySubcards(const QString& directory) {

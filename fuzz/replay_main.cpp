@@ -21,6 +21,8 @@ int main(int argc, char** argv) {
                 return 1;
             }
             const QByteArray input = file.readAll();
+            std::printf("%s\n", qPrintable(entry.fileName()));
+            std::fflush(stdout);
             LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(input.constData()),
                                    static_cast<size_t>(input.size()));
             ++replayed;
