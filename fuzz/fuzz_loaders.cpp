@@ -43,7 +43,7 @@ enum class Reader : uint8_t {
     Layer,
     Screen,
     Subcard,   // directory reader: the input is the only file of the directory
-    Connector, // directory reader
+    Connector, // directory reader: the input after the shipped resolution file
     Menu,      // function items, then the menu tree, from the same file
     Hdr,
     KeyCheck,
@@ -62,14 +62,22 @@ void keep(size_t value) {
 
 void silence(QtMsgType, const QMessageLogContext&, const QString&) {}
 
-// Where the path-based readers find the input: one file, and one directory
-// that holds nothing but a copy of it.
+// Where the path-based readers find the input: one file, a card directory
+// that holds nothing but a copy of it, and a connector directory where it
+// follows the shipped resolution file (loaded first, "0-" sorts before
+// "input"), so that the queries combining the two have something to combine.
 struct Workspace {
     QTemporaryDir root;
     QString file = root.filePath(QStringLiteral("input.xml"));
-    QString directory = root.filePath(QStringLiteral("catalogue"));
+    QString cards = root.filePath(QStringLiteral("cards"));
+    QString connectors = root.filePath(QStringLiteral("connectors"));
 
-    Workspace() { QDir().mkpath(directory); }
+    Workspace() {
+        QDir().mkpath(cards);
+        QDir().mkpath(connectors);
+        QFile::copy(QStringLiteral(LCD_SHIPPED_RESOLUTIONS),
+                    connectors + QStringLiteral("/0-resolutions.xml"));
+    }
 
     void write(const QString& path, const QByteArray& bytes) const {
         QFile out(path);
@@ -100,9 +108,10 @@ int depthOf(const QDomDocument& doc) {
 }
 
 // Parses as the device registry does, then walks the document with `parse`.
-// A parsed tree deeper than the nesting limit means the check was bypassed:
-// that aborts here, with a small input, instead of as a stack overflow on a
-// huge one.
+// The nesting check must see every level the parser builds: if it passes the
+// document at one level less than the parsed tree has, it can be bypassed,
+// and a deep enough document overflows the stack. Checking that at every
+// depth lets small inputs expose what only a huge one would crash on.
 template <class Manager, class Record>
 void parseDevice(const QByteArray& bytes, const char* trContext,
                  bool (Manager::*parse)(const QDomDocument&, QString&, Record&)) {
@@ -110,8 +119,10 @@ void parseDevice(const QByteArray& bytes, const char* trContext,
     QString error;
     Record record;
     if (!parseDocumentData(bytes, Loader{kDeviceFile, trContext, LCD_LOG_SITE}, doc, error)) return;
-    if (depthOf(doc) > kMaxDocumentDepth) {
-        std::fprintf(stderr, "nesting check bypassed: the parsed tree is %d elements deep\n", depthOf(doc));
+    const int depth = depthOf(doc);
+    if (checkNesting(bytes, depth - 1, nullptr)) {
+        std::fprintf(stderr, "nesting check bypassed: it passes %d levels, the parsed tree has %d\n",
+                     depth - 1, depth);
         std::abort();
     }
     if ((Manager::instance()->*parse)(doc, error, record)) keep(record == record);
@@ -256,12 +267,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                     &ScreenConfigManager::parseDeviceScreencfg);
         break;
     case Reader::Subcard:
-        workspace.write(workspace.directory + QStringLiteral("/input.xml"), bytes);
-        querySubcards(workspace.directory);
+        workspace.write(workspace.cards + QStringLiteral("/input.xml"), bytes);
+        querySubcards(workspace.cards);
         break;
     case Reader::Connector:
-        workspace.write(workspace.directory + QStringLiteral("/input.xml"), bytes);
-        queryConnectors(workspace.directory);
+        workspace.write(workspace.connectors + QStringLiteral("/input.xml"), bytes);
+        queryConnectors(workspace.connectors);
         break;
     case Reader::Menu:
         workspace.write(workspace.file, bytes);
