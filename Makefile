@@ -5,7 +5,7 @@ JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 CONFIG   := share/config
 
-.PHONY: all deps build build-asan demo test test-plain test-asan bench clean
+.PHONY: all deps build build-asan demo test test-plain test-asan bench fuzz clean
 
 all: build
 
@@ -42,6 +42,18 @@ test: test-plain test-asan
 
 bench: build
 	./build/bench/bench_load $(CONFIG)
+
+# The libFuzzer run (clang): seeds from fuzz/corpus, new inputs kept in
+# build-fuzz/corpus, a crashing input written to build-fuzz/crash-*.
+FUZZ_TIME ?= 120
+fuzz:
+	$(MAKE) deps PACKAGES="$(PACKAGES) clang libclang-rt-14-dev"
+	fuzz/make_seeds.sh
+	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLCD_FUZZ=ON -DLCD_BUILD_TESTS=OFF
+	cmake --build build-fuzz -j $(JOBS) --target fuzz_loaders
+	mkdir -p build-fuzz/corpus
+	./build-fuzz/fuzz/fuzz_loaders -max_total_time=$(FUZZ_TIME) -dict=fuzz/loaders.dict \
+	    -artifact_prefix=build-fuzz/ -print_final_stats=1 build-fuzz/corpus fuzz/corpus
 
 clean:
 	rm -rf build build-asan
