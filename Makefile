@@ -56,4 +56,4 @@ fuzz:
 	    -artifact_prefix=build-fuzz/ -print_final_stats=1 build-fuzz/corpus fuzz/corpus
 
 clean:
-	rm -rf build build-asan
+	rm -rf build build-asan build-fuzz
