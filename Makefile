@@ -53,7 +53,7 @@ fuzz:
 	cmake --build build-fuzz -j $(JOBS) --target fuzz_loaders
 	mkdir -p build-fuzz/corpus
 	./build-fuzz/fuzz/fuzz_loaders -max_total_time=$(FUZZ_TIME) -dict=fuzz/loaders.dict \
-	    -artifact_prefix=build-fuzz/ -print_final_stats=1 build-fuzz/corpus fuzz/corpus
+	    -artifact_prefix=build-fuzz/ -print_final_stats=1 build-fuzz/corpus fuzz/corpus fuzz/regressions
 
 clean:
 	rm -rf build build-asan build-fuzz
