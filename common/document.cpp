@@ -1,4 +1,5 @@
 #include "common/document.h"
+#include "common/loadobserver.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -102,14 +103,15 @@ bool byteScannable(const QByteArray& declaration) {
     const int at = declaration.indexOf("encoding");
     if (at < 0) return true;
     int from = at + 8;
-    while (from < declaration.size() && (declaration[from] == ' ' || declaration[from] == '=')) ++from;
+    while (from < declaration.size() && (declaration[from] == ' ' || declaration[from] == '='))
+        ++from;
     if (from >= declaration.size()) return false;
     const char quote = declaration[from];
     const int close = declaration.indexOf(quote, from + 1);
     if ((quote != '"' && quote != '\'') || close < 0) return false;
     const QByteArray name = declaration.mid(from + 1, close - from - 1).toLower();
-    for (const char* safe : {"utf-8", "utf8", "us-ascii", "ascii", "iso-8859-", "latin", "windows-125", "gb2312",
-                             "gbk", "gb18030", "big5"}) {
+    for (const char* safe : {"utf-8", "utf8", "us-ascii", "ascii", "iso-8859-", "latin", "windows-125",
+                             "gb2312", "gbk", "gb18030", "big5"}) {
         if (name.startsWith(safe)) return true;
     }
     return false;
@@ -212,16 +214,21 @@ bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where)
     return true;
 }
 
-bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error) {
+namespace {
+
+// Parses `data`; on failure `error` holds the family's parse text and
+// `line`/`column` where the parser (or the nesting check) stopped.
+bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error, int& line,
+           int& column) {
     NestingViolation where;
     if (!checkNesting(data, kMaxDocumentDepth, &where)) {
+        line = where.line;
+        column = where.column;
         error = loader.text(kParseError)
                     .arg(QString::number(where.line), QString::number(where.column), where.reason);
         return false;
     }
     QString message;
-    int line = 0;
-    int column = 0;
     if (!doc.setContent(data, true, &message, &line, &column)) {
         error = loader.text(kParseError).arg(QString::number(line), QString::number(column), message);
         return false;
@@ -229,29 +236,60 @@ bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocumen
     return true;
 }
 
+void reportParsed(const QString& path, bool ok, const QString& error, int line, int column,
+                  const QDomDocument& doc) {
+    LoadObserver* o = observe::current();
+    if (Q_LIKELY(!o)) return;
+    DocumentRead read;
+    read.path = path;
+    read.ok = ok;
+    if (!ok) {
+        read.error = error;
+        read.line = line;
+        read.column = column;
+    } else {
+        read.document = doc;
+    }
+    o->documentParsed(read);
+}
+
+} // namespace
+
+bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error) {
+    int line = 0;
+    int column = 0;
+    return parse(data, loader, doc, error, line, column);
+}
+
 bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& doc, QString& error) {
+    if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) o->documentStarted(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (loader.family.debugOnOpenFailure)
             QMessageLogger(loader.site.file, loader.site.line, loader.site.function).debug().noquote()
                 << "open file:" << path << " error code:" << file.error();
         error = loader.text(kOpenFailed).arg(path);
+        reportParsed(path, false, error, 0, 0, doc);
         return false;
     }
-    return parseDocumentData(file.readAll(), loader, doc, error);
+    int line = 0;
+    int column = 0;
+    const bool ok = parse(file.readAll(), loader, doc, error, line, column);
+    reportParsed(path, ok, error, line, column, doc);
+    return ok;
 }
 
 bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& error) {
     const QDomElement root = doc.documentElement();
-    if (root.tagName() != QLatin1String(loader.family.root)) {
-        error = loader.text(loader.family.rootMismatch);
+    auto reject = [&](const char* text) {
+        error = loader.text(text);
+        if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) o->documentRejected(root, error);
         return false;
-    }
+    };
+    if (root.tagName() != QLatin1String(loader.family.root)) return reject(loader.family.rootMismatch);
     const QString version = QStringLiteral("version");
-    if (root.hasAttribute(version) && root.attribute(version) != QLatin1String("1.0")) {
-        error = loader.text(loader.family.versionMismatch);
-        return false;
-    }
+    if (root.hasAttribute(version) && root.attribute(version) != QLatin1String("1.0"))
+        return reject(loader.family.versionMismatch);
     return true;
 }
 

@@ -10,11 +10,63 @@ namespace xml {
 
 namespace {
 
-ReadObserver* g_observer = nullptr;
+// A lookup's result, reported to the observer: the element, or the parent
+// and the name asked for when there is none.
+inline QDomElement visited(QDomElement e, const QDomElement& parent, const char* name) {
+    if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) {
+        if (!e.isNull())
+            o->elementFound(e);
+        else if (name && !parent.isNull())
+            o->elementMissing(parent, name);
+    }
+    return e;
+}
 
 inline QDomElement visited(QDomElement e) {
-    if (Q_UNLIKELY(g_observer) && !e.isNull()) g_observer->elementVisited(e);
+    if (LoadObserver* o = observe::current(); Q_UNLIKELY(o) && !e.isNull()) o->elementFound(e);
     return e;
+}
+
+inline void textWasRead(const QDomElement& e) {
+    if (LoadObserver* o = observe::current(); Q_UNLIKELY(o) && !e.isNull()) o->textRead(e);
+}
+
+// Tells the observer how one attribute was read: its text, the default, the
+// value stored and whether a number converted cleanly.
+template <class T>
+void reported(const QDomElement& e, const char* name, const char* def, ReadKind kind, const T& stored,
+              bool valid) {
+    LoadObserver* o = observe::current();
+    if (Q_LIKELY(!o) || e.isNull()) return;
+    AttributeRead read;
+    read.element = e;
+    read.name = name;
+    const QString key = QLatin1String(name);
+    read.present = e.hasAttribute(key);
+    if (read.present) read.raw = e.attribute(key);
+    read.def = def;
+    read.kind = kind;
+    if constexpr (std::is_same_v<T, QString>)
+        read.stored = stored;
+    else if constexpr (std::is_same_v<T, bool>)
+        read.stored = stored ? QStringLiteral("1") : QStringLiteral("0");
+    else
+        read.stored = QString::number(stored);
+    read.validNumber = valid;
+    o->attributeRead(read);
+}
+
+// The attribute's text or `def`, without telling the observer.
+inline QString rawAttr(const QDomElement& e, const char* name, const char* def) {
+    return e.attribute(QLatin1String(name), QLatin1String(def));
+}
+
+template <class T, class Convert>
+T number(const QDomElement& e, const char* name, const char* def, ReadKind kind, Convert&& convert) {
+    bool ok = true;
+    const T v = convert(rawAttr(e, name, def), &ok);
+    reported(e, name, def, kind, v, ok);
+    return v;
 }
 
 // The field of a range-like record that an attribute name fills.
@@ -48,15 +100,10 @@ template <class R> void readShape(const QDomElement& e, Attrs attrs, R& out) {
 
 } // namespace
 
-ReadObserver::~ReadObserver() = default;
-
-void setReadObserver(ReadObserver* observer) {
-    g_observer = observer;
-}
-
 QDomElement child(const QDomElement& parent, const char* name) {
     if (parent.isNull()) return {};
-    return visited(name ? parent.firstChildElement(QLatin1String(name)) : parent.firstChildElement());
+    return visited(name ? parent.firstChildElement(QLatin1String(name)) : parent.firstChildElement(), parent,
+                   name);
 }
 
 QDomElement firstChild(const QDomElement& parent) {
@@ -72,25 +119,30 @@ QDomElement nextNamed(const QDomElement& element, const char* name) {
 }
 
 QString attr(const QDomElement& e, const char* name, const char* def) {
-    const QString key = QLatin1String(name);
-    if (Q_UNLIKELY(g_observer) && !e.isNull()) g_observer->attributeRead(e, key, e.hasAttribute(key));
-    return e.attribute(key, QLatin1String(def));
+    const QString value = rawAttr(e, name, def);
+    reported(e, name, def, ReadKind::Text, value, true);
+    return value;
 }
 
 bool hasAttr(const QDomElement& e, const char* name) {
-    return e.hasAttribute(QLatin1String(name));
+    const bool present = e.hasAttribute(QLatin1String(name));
+    reported(e, name, "", ReadKind::Presence, present, true);
+    return present;
 }
 
 qint32 intAttr(const QDomElement& e, const char* name, const char* def) {
-    return attr(e, name, def).toInt();
+    return number<qint32>(e, name, def, ReadKind::Int,
+                          [](const QString& t, bool* ok) { return t.toInt(ok); });
 }
 
 quint32 uintAttr(const QDomElement& e, const char* name, const char* def) {
-    return attr(e, name, def).toUInt();
+    return number<quint32>(e, name, def, ReadKind::UInt,
+                           [](const QString& t, bool* ok) { return t.toUInt(ok); });
 }
 
 float floatAttr(const QDomElement& e, const char* name, const char* def) {
-    return attr(e, name, def).toFloat();
+    return number<float>(e, name, def, ReadKind::Float,
+                         [](const QString& t, bool* ok) { return t.toFloat(ok); });
 }
 
 std::string textAttr(const QDomElement& e, const char* name, const char* def) {
@@ -103,10 +155,12 @@ std::string utf8(const QString& text) {
 }
 
 std::string text(const QDomElement& e) {
+    textWasRead(e);
     return utf8(e.text());
 }
 
 std::string firstNodeText(const QDomElement& e) {
+    textWasRead(e);
     return utf8(e.firstChild().nodeValue());
 }
 
@@ -214,10 +268,12 @@ QDomElement Section::lookup(const QDomElement& parent, const char* name, bool lo
 }
 
 QString elementText(const QDomElement& e) {
+    textWasRead(e);
     return e.text();
 }
 
 qint32 intText(const QDomElement& e) {
+    textWasRead(e);
     return e.text().toInt();
 }
 
@@ -240,7 +296,8 @@ void updateInts(const QDomElement& e, std::initializer_list<IntField> fields) {
 }
 
 double doubleAttr(const QDomElement& e, const char* name, const char* def) {
-    return attr(e, name, def).toDouble();
+    return number<double>(e, name, def, ReadKind::Double,
+                          [](const QString& t, bool* ok) { return t.toDouble(ok); });
 }
 
 QDomElement expect(const QDomElement& parent, const char* name, QString& error, const Loader& loader) {

@@ -2,8 +2,9 @@
 
 // The reading vocabulary every description-file walk is written in. Each idiom
 // exists once, here: child lookup, the repeated-element walk, attribute reads
-// with a visible default, UTF-8 text, and the value shapes. Element lookups and
-// attribute reads report to an optional observer (a null check when absent).
+// with a visible default, UTF-8 text, and the value shapes. Element lookups,
+// attribute reads and text reads report to the load observer
+// (common/loadobserver.h; a null test when none is attached).
 
 #include <QtCore/QString>
 #include <QtXml/QDomElement>
@@ -15,25 +16,13 @@
 #include <vector>
 
 #include "common/document.h"
+#include "common/loadobserver.h"
 #include "lcdconfigmodel/export.h"
 #include "lcdconfigmodel/values.h"
 
 namespace LCD {
 namespace ConfigModel {
 namespace xml {
-
-// ---- observer -------------------------------------------------------------
-
-// Told about every element looked up and every attribute read, so a tool can
-// report attributes no reader consumed and where each value came from.
-class LCD_CONFIGMODEL_EXPORT ReadObserver {
-public:
-    virtual ~ReadObserver();
-    virtual void elementVisited(const QDomElement& element) = 0;
-    virtual void attributeRead(const QDomElement& element, const QString& name, bool present) = 0;
-};
-// Installs an observer for the calling process (null removes it).
-LCD_CONFIGMODEL_EXPORT void setReadObserver(ReadObserver* observer);
 
 // ---- elements -------------------------------------------------------------
 

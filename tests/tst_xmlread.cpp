@@ -89,19 +89,31 @@ private Q_SLOTS:
     }
 
     void observerSeesLookupsAndReads() {
-        struct Recorder : ReadObserver {
+        struct Recorder : LoadObserver {
             QStringList seen;
-            void elementVisited(const QDomElement& e) override { seen << e.tagName(); }
-            void attributeRead(const QDomElement& e, const QString& name, bool present) override {
-                seen << e.tagName() + "@" + name + (present ? "" : "?");
+            void elementFound(const QDomElement& e) override { seen << e.tagName(); }
+            void elementMissing(const QDomElement& parent, const char* name) override {
+                seen << QStringLiteral("%1/%2? at %3:%4")
+                            .arg(parent.tagName(), QLatin1String(name))
+                            .arg(parent.lineNumber())
+                            .arg(parent.columnNumber());
             }
+            void attributeRead(const AttributeRead& r) override {
+                seen << QStringLiteral("%1@%2%3=%4 (%5, default '%6')%7")
+                            .arg(r.element.tagName(), QLatin1String(r.name), r.present ? "" : "?", r.stored,
+                                 r.raw, QLatin1String(r.def), r.validNumber ? "" : " bad");
+            }
+            void textRead(const QDomElement& e) override { seen << e.tagName() + "#text"; }
         } observer;
-        const QDomElement root = parse("<R><A Support=\"1\"/><B/></R>");
-        setReadObserver(&observer);
+        const QDomElement root = parse("<R>\n <A Support=\"x1\"/><B>7</B></R>");
+        setLoadObserver(&observer);
         forEachChild(root, [](const QDomElement& e) { intAttr(e, "Support", "1"); });
-        setReadObserver(nullptr);
+        child(root, "C");
+        intText(child(root, "B"));
+        setLoadObserver(nullptr);
         intAttr(root, "Ignored");
-        QCOMPARE(observer.seen, (QStringList{"A", "A@Support", "B", "B@Support?"}));
+        QCOMPARE(observer.seen, (QStringList{"A", "A@Support=0 (x1, default '1') bad", "B",
+                                             "B@Support?=1 (, default '1')", "R/C? at 1:3", "B", "B#text"}));
     }
 };
 
