@@ -50,23 +50,25 @@ struct DocumentRead {
     QDomDocument document; // the parsed document when ok (implicitly shared)
 };
 
-class LCD_CONFIGMODEL_EXPORT LoadObserver {
+// Header-only, so a program that loads the plug-in at run time (dlopen) can
+// derive from it without linking the library.
+class LoadObserver {
 public:
-    virtual ~LoadObserver();
+    virtual ~LoadObserver() = default;
 
     // A file is about to be opened; everything until the next call belongs to it.
-    virtual void documentStarted(const QString& path);
+    virtual void documentStarted(const QString& /*path*/) {}
     // The file was opened and parsed, or why not.
-    virtual void documentParsed(const DocumentRead& read);
+    virtual void documentParsed(const DocumentRead& /*read*/) {}
     // The root check of the current document failed with `error`.
-    virtual void documentRejected(const QDomElement& root, const QString& error);
+    virtual void documentRejected(const QDomElement& /*root*/, const QString& /*error*/) {}
     // A walk reached `element` (a lookup by name, a first child, a sibling).
-    virtual void elementFound(const QDomElement& element);
+    virtual void elementFound(const QDomElement& /*element*/) {}
     // A lookup of the child `name` of `parent` found nothing.
-    virtual void elementMissing(const QDomElement& parent, const char* name);
-    virtual void attributeRead(const AttributeRead& read);
+    virtual void elementMissing(const QDomElement& /*parent*/, const char* /*name*/) {}
+    virtual void attributeRead(const AttributeRead& /*read*/) {}
     // The text content of `element` was read.
-    virtual void textRead(const QDomElement& element);
+    virtual void textRead(const QDomElement& /*element*/) {}
 };
 
 // Attaches `observer` to every load of the process (null detaches).
@@ -83,3 +85,7 @@ inline LoadObserver* current() {
 
 } // namespace ConfigModel
 } // namespace LCD
+
+// The same attachment with a plain C name, for a program that loads the
+// plug-in at run time: resolve "lcdSetLoadObserver" in the loaded library.
+extern "C" LCD_CONFIGMODEL_EXPORT void lcdSetLoadObserver(LCD::ConfigModel::LoadObserver* observer);

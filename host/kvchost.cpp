@@ -7,6 +7,7 @@ namespace kvchost {
 namespace {
 using PluginInit = void (*)(void*);
 using PluginInfoFn = void* (*)();
+using SetObserverFn = void (*)(LCD::ConfigModel::LoadObserver*);
 
 void setError(QString* error, const QString& text) {
     if (error) *error = text;
@@ -24,6 +25,14 @@ PluginHost::PluginHost(QString libraryPath) : m_library(libraryPath) {}
 PluginHost::~PluginHost() {
     // The library stays mapped: components the caller still holds keep
     // pointing into it. The process unloads it at exit.
+}
+
+bool PluginHost::setLoadObserver(LCD::ConfigModel::LoadObserver* observer) const {
+    if (!isLoaded()) return false;
+    const auto set = reinterpret_cast<SetObserverFn>(m_library.resolve("lcdSetLoadObserver"));
+    if (!set) return false;
+    set(observer);
+    return true;
 }
 
 bool PluginHost::load(QString* error) {

@@ -10,6 +10,7 @@
 
 #include <memory>
 
+#include "common/loadobserver.h"
 #include "lcdconfigmodel/kvc.h"
 
 namespace kvchost {
@@ -42,6 +43,10 @@ public:
     QString libraryPath() const { return m_library.fileName(); }
 
     const kvc::PluginInfo* info() const { return m_info; }
+    // Attaches a load observer inside the loaded plug-in (null detaches).
+    // false when the library does not offer one.
+    bool setLoadObserver(LCD::ConfigModel::LoadObserver* observer) const;
+
     // The descriptors in table order, up to the null entry.
     QList<const kvc::ComponentInfo*> components() const;
     // The descriptor with that id, or null.
@@ -61,7 +66,7 @@ public:
 private:
     const kvc::ComponentInfo* createRaw(const QString& id, void** object, QString* error) const;
 
-    QLibrary m_library;
+    mutable QLibrary m_library; // resolve() is not const
     const kvc::PluginInfo* m_info = nullptr;
 };
 

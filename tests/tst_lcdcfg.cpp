@@ -103,7 +103,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::newRow("version") << QStringList{"--version"} << 0 << "lcdcfg 0.1.0";
         QTest::newRow("unknown command") << QStringList{"frobnicate"} << 2 << "unknown command frobnicate";
-        QTest::newRow("no command") << QStringList{} << 2 << "plugin | check";
+        QTest::newRow("no command") << QStringList{} << 2 << "usage: lcdcfg COMMAND";
         QTest::newRow("missing plug-in") << QStringList{"plugin", "--plugin", "/nonexistent.so"} << 2
                                          << "plug-in not found: /nonexistent.so";
         QTest::newRow("missing configuration") << QStringList{"check", "--config", "/nonexistent"} << 2
