@@ -1,5 +1,8 @@
 // The command-line tool, run as a user runs it.
 
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
 #include <QtTest/QtTest>
 
@@ -34,6 +37,33 @@ QString copyConfig(const QTemporaryDir& dir) {
     return target;
 }
 
+// Plants a fault in `path` (see plantedFaults).
+void plant(const QString& path, const QString& from, const QString& to) {
+    if (from == "*") {
+        QVERIFY(QFileInfo(path).isDir() ? QDir(path).removeRecursively() : QFile::remove(path));
+        return;
+    }
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QString text = QString::fromUtf8(file.readAll());
+    file.close();
+    QVERIFY2(from.isEmpty() || text.contains(from), qPrintable(from));
+    text = from.isEmpty() ? to : text.replace(from, to);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(text.toUtf8());
+}
+
+// Every entry under `root`, to show that checking it changes nothing.
+QStringList listing(const QString& root) {
+    QStringList entries;
+    QDirIterator it(root, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        entries << it.next();
+    entries.sort();
+    return entries;
+}
+
 } // namespace
 
 class LcdcfgTest : public QObject {
@@ -60,41 +90,143 @@ private Q_SLOTS:
     }
 
     void shippedConfigurationChecksClean() {
-        const Run run = lcdcfg({"check", "--config", test::sharedConfig(QString())});
+        const Run run = lcdcfg({"check", test::sharedConfig(QString())});
         QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
-        QVERIFY(run.out.endsWith("configuration loads cleanly\n"));
-        QVERIFY(!run.out.contains("FAIL") && !run.out.contains("warn"));
+        QCOMPARE(run.out, QString("no problems\n"));
     }
 
-    void brokenFilesAreReported_data() {
+    // One planted fault per row, each on a fresh copy of the shipped tree:
+    // `from` "*" removes `file`, an empty `from` writes `to` as the file,
+    // otherwise every `from` becomes `to`; "|" plants it in several files;
+    // file "<root>" renames the tree to `to`. Every "FILE:LINE:CODE" of
+    // `expected` is reported, with that exit status, and nothing is created.
+    void plantedFaults_data() {
         QTest::addColumn<QString>("file");
-        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::addColumn<QStringList>("expected");
         QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("line");
-        QTest::newRow("key list without LcdKeys")
-            << "ui/checklist.xml" << QByteArray("<LCD/>") << 1 << "FAIL  key-check   node not matches.";
-        QTest::newRow("malformed print keys") << "ui/printkeynoconfig.xml" << QByteArray("<LCD>") << 1
-                                              << "FAIL  print-keys  Parse error at line 1, column 6:";
-        QTest::newRow("malformed device file") << "device/29974/29974_slot.xml" << QByteArray("<Vrn>") << 1
-                                               << "FAIL  devices     Parse error at line 1, column 6:";
-        QTest::newRow("missing HDR file warns") << "func/hdr/lcdhdrinputconfig.xml" << QByteArray() << 3
-                                                << "HDR input config file is not exist,file name:";
+        const QString slot = "device/29974/29974_slot.xml";
+        const QString mosaic = "device/29974/29974_screen_mosaic.xml";
+        auto row = [](const char* name, const QString& file, const QString& from, const QString& to,
+                      const QStringList& expected,
+                      int code) { QTest::newRow(name) << file << from << to << expected << code; };
+        row("misspelt required element", slot, "Device>", "Devise>", {slot + ":6:missing-element"}, 1);
+        row("malformed XML", "ui/printkeynoconfig.xml", "", "<LCD>", {"ui/printkeynoconfig.xml:1:parse"}, 1);
+        row("empty card file", "subcard/2102_dvi_4in.xml", "", "",
+            {"subcard/2102_dvi_4in.xml:1:parse", "subcard/2102_dvi_4in.xml:0:records-lost"}, 1);
+        row("wrong version", "connector/connector_dvi.xml", "version=\"1.0\"", "version=\"2.0\"",
+            {"connector/connector_dvi.xml:5:version", "connector/connector_dvi.xml:0:records-lost"}, 1);
+        row("two broken card files", "subcard/2102_dvi_4in.xml|subcard/2103_dp12_2in.xml", "", "<Vrn>",
+            {"subcard/2102_dvi_4in.xml:1:parse", "subcard/2103_dp12_2in.xml:1:parse"}, 1);
+        row("two broken screen files", mosaic + "|device/29974/29974_screen_splice.xml", "", "<Vrn",
+            {mosaic + ":1:parse", "device/29974/29974_screen_splice.xml:1:parse"}, 1);
+        row("card missing from the catalogue", slot, "ModuleId=\"2104\"", "ModuleId=\"2105\"",
+            {slot + ":21:card-unknown"}, 1);
+        row("connector type without description", "subcard/2103_dp12_2in.xml", "Type=\"8\"", "Type=\"9\"",
+            {"subcard/2103_dp12_2in.xml:17:connector-type-undescribed"}, 1);
+        row("layout cell on an input slot", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"1\"",
+            "SlotIndex=\"1\" ConnectorIndex=\"1\"", {mosaic + ":26:cell-slot-not-output"}, 1);
+        row("layout cell on an absent connector", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"4\"",
+            "SlotIndex=\"5\" ConnectorIndex=\"9\"", {mosaic + ":29:cell-connector-absent"}, 1);
+        row("cross-card member of an unknown card", "device/29974/29974_crosscard.xml",
+            "ModuleId=\"2101\" Slot=\"2\"", "ModuleId=\"2109\" Slot=\"2\"",
+            {"device/29974/29974_crosscard.xml:22:crosscard-module-unknown"}, 1);
+        row("print keys of an unknown card", "ui/printkeynoconfig.xml", "ModelId=\"2103\"",
+            "ModelId=\"2109\"", {"ui/printkeynoconfig.xml:18:printkey-model-unknown"}, 1);
+        row("menu key without function item", "menu/menuitems.xml", "Key=\"101\"", "Key=\"999\"",
+            {"menu/menuitems.xml:7:menu-key-without-item"}, 1);
+        row("menu key twice", "menu/menuitems.xml", "Key=\"104\"", "Key=\"103\"",
+            {"menu/menuitems.xml:10:menu-key-duplicate"}, 1);
+        row("broken function items lose the menu tree", "menu/menufcitems.xml", "", "<LCD",
+            {"menu/menufcitems.xml:1:parse", "menu/menufcitems.xml:0:records-lost"}, 1);
+        row("HDR value without text", "func/hdr/lcdhdrinputconfig.xml", "<SupportValue>12<",
+            "<SupportValue>13<", {"func/hdr/lcdhdrinputconfig.xml:18:hdr-value-without-text"}, 1);
+        row("duplicated card id", "subcard/2103_dp12_2in.xml", "ModelId=\"2103\"", "ModelId=\"2102\"",
+            {"subcard/2103_dp12_2in.xml:6:card-duplicate"}, 1);
+        row("empty Chinese card name warns", "subcard/2102_dvi_4in.xml", "<zh_CN>4路DVI输入卡</zh_CN>",
+            "<zh_CN></zh_CN>", {"subcard/2102_dvi_4in.xml:6:name-missing-zh"}, 0);
+        row("no English device name warns", "device/29974/29974_feature.xml",
+            "<en>4U LCD Splicing Processor</en>", "", {"device/29974/29974_feature.xml:11:name-missing-en"},
+            0);
+        row("current device missing", "device/29974", "*", "", {"device:0:current-device-missing"}, 1);
+        row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);
+        row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>", {"ui/checklist.xml:0:load"}, 1);
+        row("missing HDR file warns", "func/hdr/lcdhdrinputconfig.xml", "*", "",
+            {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
+        row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 
-    void brokenFilesAreReported() {
+    void plantedFaults() {
         QFETCH(QString, file);
-        QFETCH(QByteArray, content);
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        QFETCH(QStringList, expected);
         QFETCH(int, code);
-        QFETCH(QString, line);
+        QTemporaryDir dir;
+        QString config = copyConfig(dir);
+        if (file == "<root>") {
+            QVERIFY(QDir().rename(config, dir.filePath(to)));
+            config = dir.filePath(to);
+        } else {
+            for (const QString& f : file.split('|'))
+                plant(config + "/" + f, from, to);
+        }
+        const QStringList before = listing(config);
+        const Run run = lcdcfg({"check", "--json", config});
+        QCOMPARE(listing(config), before);
+        QStringList reported;
+        for (const QJsonValue& p : QJsonDocument::fromJson(run.out.toUtf8())["problems"].toArray())
+            reported << QString("%1:%2:%3")
+                            .arg(p["file"].toString())
+                            .arg(p["line"].toInt())
+                            .arg(p["code"].toString());
+        for (const QString& problem : expected)
+            QVERIFY2(reported.contains(problem), qPrintable(problem + " not in\n" + reported.join('\n')));
+        QVERIFY2(!expected.isEmpty() || reported.isEmpty(), qPrintable(reported.join('\n')));
+        QCOMPARE(run.code, code);
+        if (code == 0 && !expected.isEmpty()) // warnings only: --strict fails
+            QCOMPARE(lcdcfg({"check", "--strict", config}).code, 1);
+    }
+
+    // `check` and `check --json` on a small faulty tree, against the files
+    // under tests/data/lcdcfg (LCD_UPDATE_GOLDEN=1 rewrites them).
+    void goldenOutput_data() {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("golden");
+        QTest::newRow("text") << QStringList{} << "check.txt";
+        QTest::newRow("json") << QStringList{"--json"} << "check.json";
+    }
+
+    void goldenOutput() {
+        QFETCH(QStringList, options);
+        QFETCH(QString, golden);
         QTemporaryDir dir;
         const QString config = copyConfig(dir);
-        if (content.isEmpty())
-            QFile::remove(config + "/" + file);
-        else
-            test::writeFile(dir, "share/config/" + file, content);
-        const Run run = lcdcfg({"check", "--config", config});
-        QCOMPARE(run.code, code);
-        QVERIFY2(run.out.contains(line), qPrintable(run.out));
+        plant(config + "/device/29974/29974_slot.xml", "ModuleId=\"2104\"", "ModuleId=\"2105\"");
+        plant(config + "/subcard/2103_dp12_2in.xml", "", "<Vrn version=\"1.0\">");
+        plant(config + "/subcard/2102_dvi_4in.xml", "<en>4-port DVI input card</en>", "<en></en>");
+        plant(config + "/menu/menuitems.xml", "Key=\"101\"", "Key=\"999\"");
+        const Run run = lcdcfg(QStringList{"check"} + options + QStringList{config});
+        QCOMPARE(run.code, 1);
+        const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + golden;
+        if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
+            QFile out(path);
+            QVERIFY(out.open(QIODevice::WriteOnly));
+            out.write(run.out.toUtf8());
+        }
+        const QString expected = QString::fromUtf8(test::testData("lcdcfg/" + golden));
+        if (run.out != expected) {
+            QTemporaryDir diffDir;
+            QFile actual(diffDir.filePath("actual"));
+            QVERIFY(actual.open(QIODevice::WriteOnly));
+            actual.write(run.out.toUtf8());
+            actual.close();
+            QProcess diff;
+            diff.start("diff", {"-u", path, actual.fileName()});
+            diff.waitForFinished();
+            QFAIL(qPrintable("output differs from " + path + "\n" + diff.readAllStandardOutput()));
+        }
     }
 
     void usageErrors_data() {
@@ -108,6 +240,8 @@ private Q_SLOTS:
                                          << "plug-in not found: /nonexistent.so";
         QTest::newRow("missing configuration") << QStringList{"check", "--config", "/nonexistent"} << 2
                                                << "no configuration directory /nonexistent";
+        QTest::newRow("two roots") << QStringList{"check", "a", "b"} << 2 << "one ROOT at most";
+        QTest::newRow("unknown option") << QStringList{"check", "--frobnicate"} << 2 << "Unknown option";
     }
 
     void usageErrors() {

@@ -1,10 +1,20 @@
-// lcdcfg check: loads every component of a configuration tree as the host
-// does and reports, per component, what was read and what the load wrote.
+// lcdcfg check: loads a configuration tree as the host does, then each card,
+// connector and menu file on its own, and runs the cross-file rules; reports
+// every problem as PATH:LINE:COLUMN with a stable code.
+
+#include "tools/lcdcfg/check.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+
+#include <algorithm>
 
 #include "tools/lcdcfg/cli.h"
-#include "tools/lcdcfg/tree.h"
+#include "tools/lcdcfg/rules.h"
+#include "tools/lcdcfg/sites.h"
 
 namespace lcdcfg {
 
@@ -12,96 +22,207 @@ using namespace LCD::ConfigModel;
 
 namespace {
 
-QString menuName(const s_MenuItem* item) {
-    return item->fcItem ? item->fcItem->name.value(QStringLiteral("en"))
-                        : QStringLiteral("key %1").arg(item->key);
+// The name a document's problems are reported under, relative to the root;
+// empty: not reported.
+using FileOf = std::function<QString(const QString& document)>;
+
+// "Error: why" (the device registry's warning) and "why" are the same problem.
+QString reason(const QString& text) {
+    return text.startsWith(QLatin1String("Error: ")) ? text.mid(7) : text;
 }
 
-int countItems(const s_MenuItem* root) {
-    int count = 0;
-    QList<const s_MenuItem*> queue{root};
-    while (!queue.isEmpty()) {
-        const s_MenuItem* item = queue.takeFirst();
-        ++count;
-        for (const s_MenuItem* c : item->children)
-            queue << c;
+// "Invalid [X] node." names the missing X.
+QString missingName(const QString& text) {
+    const int open = text.indexOf(QLatin1String("Invalid ["));
+    const int close = text.indexOf(QLatin1String("] node."), open);
+    return open < 0 || close < 0 ? QString() : text.mid(open + 9, close - open - 9);
+}
+
+// What the library wrote while `load` ran: the documents that failed, every
+// warning, and the loader's error text, each once, at its position.
+void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fileOf, const QString& inputName,
+                     Problems& problems) {
+    if (!load.missing.isEmpty()) {
+        problems.add({fileOf(load.missing), 0, 0, Severity::Error, QStringLiteral("directory-missing"),
+                      QStringLiteral("no such directory: the host would create it empty and load nothing")});
+        return;
     }
-    return count;
-}
-
-// What a loaded component holds, in a line or two.
-QStringList summary(const Tree& tree, Part part) {
-    switch (part) {
-    case Part::Devices: {
-        const Devicecfg::s_Device current = tree.devices()->curDeviceConfigs();
-        QStringList lines{QStringLiteral("%1 device models").arg(tree.devices()->DeviceConfigs().size())};
-        for (const Devicecfg::s_Device& device : tree.devices()->DeviceConfigs()) {
-            QStringList screens;
-            QStringList layers;
-            for (const Screen::s_VrnScreen& screen : device.screens)
-                screens << QString::number(screen.type);
-            for (const Layercfg::s_VrnLayer& layer : device.layers)
-                layers << QString::number(layer.type);
-            lines << QStringLiteral("%1  %2 / %3%4, screen types %5, layer types %6")
-                         .arg(device.modelId)
-                         .arg(QString::fromStdString(device.feature.enName),
-                              QString::fromStdString(device.feature.zhName),
-                              device.modelId == current.modelId ? QStringLiteral(" (current)") : QString(),
-                              screens.join(QLatin1Char(' ')), layers.join(QLatin1Char(' ')));
+    QStringList seen; // "document\nreason" already reported
+    auto add = [&](const QString& document, int line, int column, Severity severity, QString code,
+                   QString text) {
+        const QString file = document.isEmpty() ? inputName : fileOf(document);
+        const QString key = document + QLatin1Char('\n') + reason(text);
+        if (file.isEmpty() || seen.contains(key)) return;
+        seen << key;
+        const QString name = missingName(text);
+        if (!name.isEmpty()) {
+            code = QStringLiteral("missing-element");
+            if (const Missing* missing = sites.lastMissing(document, name)) {
+                line = missing->line;
+                column = missing->column;
+                text += QStringLiteral(" (missing %1)").arg(missing->path);
+            }
         }
-        return lines;
+        problems.add({file, line, column, severity, code, text});
+    };
+    for (const DocumentFailure& f : sites.failures()) {
+        if (!load.documents.contains(f.document)) continue;
+        const QString code = f.rejected
+                                 ? (f.error.contains(QLatin1String("version")) ? QStringLiteral("version")
+                                                                               : QStringLiteral("root"))
+                             : f.line > 0 ? QStringLiteral("parse")
+                                          : QStringLiteral("open");
+        add(f.document, f.line, f.column, Severity::Error, code, f.error);
     }
-    case Part::Cards: {
-        QStringList lines{QStringLiteral("%1 card models").arg(tree.cards()->subcardConfig().size())};
+    for (const Diagnostic& d : load.diagnostics) {
+        if (d.type == QtDebugMsg || d.type == QtInfoMsg) continue;
+        const bool error = d.type != QtWarningMsg || d.text.startsWith(QLatin1String("Error:"));
+        add(d.document, d.line, d.column, error ? Severity::Error : Severity::Warning, QStringLiteral("load"),
+            d.text);
+    }
+    // the loader's error repeats the last failure's text (not always of the last document)
+    const bool repeated = std::any_of(seen.begin(), seen.end(), [&](const QString& key) {
+        return key.section(QLatin1Char('\n'), 1) == reason(load.error);
+    });
+    if (!load.error.isEmpty() && !repeated) {
+        const QString document = load.documents.isEmpty() ? QString() : load.documents.last();
+        add(document, 0, 0, load.ok ? Severity::Warning : Severity::Error, QStringLiteral("load"),
+            load.error);
+    }
+}
+
+// The card or connector files of a folder in the order the directory loaders
+// take them (the card folder's direct sub-directories too).
+QStringList filesOf(const QString& folder, bool subdirectories) {
+    QStringList files;
+    QDirIterator it(folder, {QStringLiteral("*.xml")}, QDir::Files,
+                    subdirectories ? QDirIterator::Subdirectories : QDirIterator::NoIteratorFlags);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        if (QFileInfo(file).dir().absolutePath() == QDir(folder).absolutePath() ||
+            QFileInfo(QFileInfo(file).absolutePath()).dir().absolutePath() == QDir(folder).absolutePath())
+            files << file;
+    }
+    files.sort(Qt::CaseInsensitive);
+    return files;
+}
+
+// The ids a component holds: card models, or the connector types its files name.
+QSet<int> idsOf(const Tree& tree, Part part, const Sites& sites) {
+    QSet<int> ids;
+    if (part == Part::Cards && tree.cards())
         for (const Subcard::s_Subcard& card : tree.cards()->subcardConfig())
-            lines << QStringLiteral("%1  %2 (%3 connectors)")
-                         .arg(card.modelId)
-                         .arg(QString::fromStdString(card.name.en))
-                         .arg(card.connectors.connectors.size());
-        return lines;
-    }
-    case Part::Connectors: {
-        QStringList types;
-        for (int type = 0; type < 64; ++type)
-            if (tree.connectors()->findEDIDInfo(type)) types << QString::number(type);
-        return {QStringLiteral("connector types %1").arg(types.join(QLatin1Char(' ')))};
-    }
-    case Part::Menu: {
-        const s_MenuItem* root = tree.menu()->rootMenuItem();
-        QStringList top;
-        for (const s_MenuItem* item : root->children)
-            top << menuName(item);
-        return {QStringLiteral("%1 entries").arg(countItems(root) - 1), top.join(QStringLiteral(", "))};
-    }
-    case Part::Hdr:
-        return {QStringLiteral("input and output options")};
-    case Part::Keys: {
-        const auto list = tree.keys()->getKeyCheckList();
-        QStringList names;
-        for (const auto& key : list)
-            names << QStringLiteral("%1=%2").arg(key.second).arg(key.first);
-        return {QStringLiteral("%1 keys").arg(list.size()), names.join(QLatin1Char(' '))};
-    }
-    case Part::PrintKeys:
-        return {QStringLiteral("print-key table")};
-    }
-    return {};
+            ids.insert(card.modelId);
+    if (part == Part::Connectors && tree.connectors())
+        for (const Site* site :
+             sites.find([](const QString&) { return true; }, QStringLiteral("Connector"), {}))
+            if (site->values.contains(QStringLiteral("Type")) &&
+                tree.connectors()->findEDIDInfo(site->values.value(QStringLiteral("Type")).toInt()))
+                ids.insert(site->values.value(QStringLiteral("Type")).toInt());
+    return ids;
+}
+
+// Loads `file` alone into a fresh component: a temporary root whose folder
+// for `part` holds only a link to it (the menu tree beside an empty function
+// item file). Adds its problems under the tree's name of the file; returns
+// the ids it loaded.
+QSet<int> loadAlone(const Tree& tree, Part part, const QString& file, Problems& problems) {
+    QTemporaryDir scratch;
+    const QStringList inputs = Tree::inputsOf(part, scratch.path());
+    const bool menu = part == Part::Menu;
+    const QString folder = menu ? QFileInfo(inputs.first()).absolutePath() : inputs.first();
+    const QString link = menu ? inputs.last() : QDir(folder).filePath(QFileInfo(file).fileName());
+    QFile stub(inputs.first());
+    if (!scratch.isValid() || !QDir().mkpath(folder) || (menu && !stub.open(QIODevice::WriteOnly)) ||
+        (menu && stub.write("<LCD version=\"1.0\"/>\n") < 0) || !QFile::link(file, link))
+        return {};
+    stub.close();
+    Tree alone(tree.host(), scratch.path());
+    Sites sites;
+    alone.load({part}, &sites);
+    const QString name = tree.relative(file);
+    const QString linked = QFileInfo(link).absoluteFilePath();
+    addLoadProblems(
+        *alone.loadOf(part), sites,
+        [&](const QString& document) { return document == linked ? name : QString(); }, name, problems);
+    return idsOf(alone, part, sites);
+}
+
+QString joined(QSet<int> ids) {
+    QList<int> list = ids.values();
+    std::sort(list.begin(), list.end());
+    QStringList texts;
+    for (int id : list)
+        texts << QString::number(id);
+    return texts.join(QStringLiteral(", "));
+}
+
+// Cards and connectors: every file on its own, so that each bad one is named;
+// the ids only those loads have are what the host loses. Returns them.
+QSet<int> checkEachFile(Tree& tree, Part part, const Sites& sites, Problems& problems) {
+    const PartLoad* load = tree.loadOf(part);
+    if (!load || !load->attempted) return {};
+    QSet<int> alone;
+    for (const QString& file : filesOf(load->inputs.first(), part == Part::Cards))
+        alone += loadAlone(tree, part, file, problems);
+    const QSet<int> lost = alone - idsOf(tree, part, sites);
+    if (!lost.isEmpty() && !load->documents.isEmpty())
+        problems.add(
+            {tree.relative(load->documents.last()), 0, 0, Severity::Error, QStringLiteral("records-lost"),
+             QStringLiteral("the host's load stops at this file and loses %1 %2")
+                 .arg(part == Part::Cards ? QStringLiteral("card models") : QStringLiteral("connector types"),
+                      joined(lost))});
+    return lost;
+}
+
+// The menu: the host reads the tree only when the function items loaded.
+void checkMenuTree(const Tree& tree, Problems& problems) {
+    const PartLoad* load = tree.loadOf(Part::Menu);
+    if (!load || !load->attempted || load->documents.contains(load->inputs.last())) return;
+    problems.add({tree.relative(load->inputs.first()), 0, 0, Severity::Error, QStringLiteral("records-lost"),
+                  QStringLiteral("the host's load stops at this file and reads no menu tree from %1")
+                      .arg(tree.relative(load->inputs.last()))});
+    if (QFileInfo::exists(load->inputs.last())) loadAlone(tree, Part::Menu, load->inputs.last(), problems);
 }
 
 } // namespace
 
+bool checkTree(Tree& tree, Problems& problems) {
+    Sites sites;
+    if (!tree.load(&sites)) return false;
+    for (const PartLoad& load : tree.loads())
+        addLoadProblems(
+            load, sites, [&](const QString& document) { return tree.relative(document); },
+            tree.relative(load.inputs.first()), problems);
+    RuleRun run(tree, sites, problems);
+    run.lostCards = checkEachFile(tree, Part::Cards, sites, problems);
+    run.lostConnectorTypes = checkEachFile(tree, Part::Connectors, sites, problems);
+    checkMenuTree(tree, problems);
+    runRules(run);
+    problems.sort();
+    return true;
+}
+
 int runCheck(const QStringList& args) {
-    CommandLine cl(QStringLiteral("check"),
-                   QStringLiteral("Loads every component of a configuration tree as the host does."),
-                   QStringLiteral("[ROOT]"));
+    CommandLine cl(
+        QStringLiteral("check"),
+        QStringLiteral("Checks a configuration tree: every problem as PATH:LINE:COLUMN, exit 0 when "
+                       "clean, 1 with errors (or warnings with --strict), 2 on bad usage."),
+        QStringLiteral("[ROOT]"));
     const QCommandLineOption configOption(QStringLiteral("config"),
                                           QStringLiteral("Configuration root (same as ROOT)."),
                                           QStringLiteral("dir"));
+    const QCommandLineOption jsonOption(QStringLiteral("json"),
+                                        QStringLiteral("One JSON object for machines."));
+    const QCommandLineOption strictOption(QStringLiteral("strict"), QStringLiteral("Warnings fail too."));
     cl.addOption(configOption);
+    cl.addOption(jsonOption);
+    cl.addOption(strictOption);
     int code = kClean;
     if (!cl.parse(args, &code)) return code;
     const QStringList positional = cl.positional();
-    if (positional.size() > 1) return cl.usage(QStringLiteral("one ROOT at most"));
+    if (positional.size() > 1 || (!positional.isEmpty() && cl.isSet(configOption)))
+        return cl.usage(QStringLiteral("one ROOT at most"));
     const QString root = cl.isSet(configOption) ? cl.value(configOption)
                          : positional.isEmpty() ? defaultRoot()
                                                 : positional.first();
@@ -109,40 +230,15 @@ int runCheck(const QStringList& args) {
     if (!host) return kUsage;
 
     Tree tree(*host, root);
-    if (!tree.load()) {
+    Problems problems;
+    if (!checkTree(tree, problems)) {
         err() << "lcdcfg: " << tree.error() << "\n";
         return kUsage;
     }
-    int failures = 0;
-    int warnings = 0;
-    for (const PartLoad& load : tree.loads()) {
-        QStringList messages;
-        for (const Diagnostic& d : load.diagnostics)
-            if (d.type != QtDebugMsg && d.type != QtInfoMsg) messages << d.text;
-        const bool ok = load.attempted && (load.ok || load.part == Part::Hdr) && load.error.isEmpty();
-        const bool warned = ok && !messages.isEmpty();
-        const QString what = QLatin1String(partName(load.part));
-        const QString from = tree.relative(load.inputs.last());
-        QStringList detail =
-            ok ? summary(tree, load.part)
-               : QStringList{load.attempted ? load.error : QStringLiteral("missing directory %1").arg(from)};
-        if (ok) detail.first() += QStringLiteral(" from %1").arg(from);
-        out() << (!ok      ? "FAIL  "
-                  : warned ? "warn  "
-                           : "ok    ")
-              << qSetFieldWidth(12) << Qt::left << what << qSetFieldWidth(0) << detail.takeFirst() << "\n";
-        for (const QString& line : detail + messages)
-            out() << "        " << line << "\n";
-        failures += ok ? 0 : 1;
-        warnings += warned ? 1 : 0;
-    }
-    if (failures)
-        out() << "configuration has errors\n";
-    else if (warnings)
-        out() << "configuration loads, with warnings\n";
-    else
-        out() << "configuration loads cleanly\n";
-    return failures ? 1 : warnings ? 3 : 0;
+    problems.print(out(), cl.isSet(jsonOption), !cl.isSet(jsonOption) && outIsTerminal());
+    const bool fails = problems.count(Severity::Error) > 0 ||
+                       (cl.isSet(strictOption) && problems.count(Severity::Warning) > 0);
+    return fails ? kProblems : kClean;
 }
 
 } // namespace lcdcfg

@@ -62,7 +62,8 @@ public:
     bool load(const QVector<Part>& parts, LCD::ConfigModel::LoadObserver* observer = nullptr);
     QString error() const { return m_error; }
 
-    QString root() const { return m_root; }      // absolute, clean
+    QString root() const { return m_root; } // absolute, clean
+    const kvchost::PluginHost& host() const { return m_host; }
     QString relative(const QString& path) const; // to the root, for messages
     const QVector<PartLoad>& loads() const { return m_loads; }
     const PartLoad* loadOf(Part part) const;

@@ -1,0 +1,17 @@
+#pragma once
+
+// The checks of `lcdcfg check`, for every verb that lists a tree's problems.
+
+#include "tools/lcdcfg/problems.h"
+#include "tools/lcdcfg/tree.h"
+
+namespace lcdcfg {
+
+// Loads `tree` (not yet loaded) as the host does, then each card, connector
+// and menu file on its own so that every bad file is named, and runs the
+// cross-file rules on what the components loaded. Adds every problem, with
+// its position, to `problems` (sorted). false only when the tree cannot be
+// loaded at all (`tree.error()` says why); the components stay loaded.
+bool checkTree(Tree& tree, Problems& problems);
+
+} // namespace lcdcfg

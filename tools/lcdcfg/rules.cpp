@@ -1,0 +1,429 @@
+#include "tools/lcdcfg/rules.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+
+#include <array>
+
+namespace lcdcfg {
+
+using namespace LCD::ConfigModel;
+
+namespace {
+
+// The model the host serves.
+constexpr int kCurrentDevice = 29974;
+
+QString number(qint64 n) {
+    return QString::number(n);
+}
+
+std::array<const Slot::s_SlotAttr*, 7> slotGroups(const Slot::s_Slots& s) {
+    return {&s.mainControlCardSlots, &s.mixCardSlots, &s.inputCardSlots, &s.outputCardSlots,
+            &s.mvrCardSlots,         &s.auxCardSlots, &s.expCardSlots};
+}
+
+// ---- slots, cards and connectors ------------------------------------------
+
+void cardUnknown(RuleRun& run) {
+    if (!run.tree.cards() || !run.tree.devices()) return;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const QString folder = run.modelFolder(device.modelId);
+        auto check = [&](int id) {
+            if (run.knownCard(id)) return;
+            run.report(run.first(folder, QStringLiteral("Subcard"), {{"ModuleId", number(id)}}), folder,
+                       QStringLiteral("card model %1 is not in the card catalogue").arg(id));
+        };
+        for (const Slot::s_SlotAttr* group : slotGroups(device.slot.slots)) {
+            for (const Slot::s_Subcard& card : group->subcards)
+                check(card.moduleId);
+            for (const Slot::s_Slot& slot : group->slots)
+                for (const Slot::s_InlineSubcard& card : slot.subcards)
+                    check(card.moduleId);
+        }
+    }
+}
+
+// The document a card model was read from, or the card folder.
+QString cardDocument(const RuleRun& run, int modelId) {
+    const Site* site =
+        run.first(QStringLiteral("subcard"), QStringLiteral("Subcard"), {{"ModelId", number(modelId)}});
+    return site ? site->document : QStringLiteral("subcard");
+}
+
+void connectorTypeUndescribed(RuleRun& run) {
+    if (!run.tree.cards() || !run.tree.connectors()) return;
+    for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
+        QVector<int> types;
+        for (const Subcard::s_Connector& c : card.connectors.connectors)
+            types << c.type;
+        for (const Subcard::s_TypesConnector& c : card.connectors.types)
+            types << c.type;
+        const QString document = cardDocument(run, card.modelId);
+        for (int type : types) {
+            if (run.tree.connectors()->findEDIDInfo(type) || run.lostConnectorTypes.contains(type)) continue;
+            const auto hits =
+                run.sites.find(run.is(document), QStringLiteral("Connector"), {{"Type", number(type)}});
+            run.report(hits.value(0), document,
+                       QStringLiteral("card %1 uses connector type %2, which no connector file describes")
+                           .arg(card.modelId)
+                           .arg(type));
+        }
+    }
+}
+
+// The output slots of a model with the card models each accepts: the output
+// group's slots, and mixed slots whose placed card has an output connector.
+QHash<int, QVector<int>> outputSlots(const RuleRun& run, const Slot::s_Slots& slots) {
+    QHash<int, QVector<int>> out;
+    QVector<int> accepted;
+    for (const Slot::s_Subcard& card : slots.outputCardSlots.subcards)
+        accepted << card.moduleId;
+    for (const Slot::s_Slot& slot : slots.outputCardSlots.slots)
+        out.insert(slot.index, accepted);
+    for (const Slot::s_Slot& slot : slots.mixCardSlots.slots)
+        for (const Slot::s_InlineSubcard& placed : slot.subcards)
+            for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig())
+                if (card.modelId == placed.moduleId)
+                    for (const Subcard::s_Connector& c : card.connectors.connectors)
+                        if (c.interfaceType == 1 && !out.value(slot.index).contains(placed.moduleId))
+                            out[slot.index] << placed.moduleId;
+    return out;
+}
+
+void layoutCells(RuleRun& run, bool slotRule) {
+    if (!run.tree.cards() || !run.tree.devices()) return;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        if (device.slot == Slot::s_VrnSolt{}) continue; // no slot file read: reported as such
+        const QString folder = run.modelFolder(device.modelId);
+        const QHash<int, QVector<int>> outputs = outputSlots(run, device.slot.slots);
+        for (const Screen::s_VrnScreen& screen : device.screens)
+            for (const Screen::s_DeviceMode& mode : screen.deviceModes)
+                for (const Screen::s_Templete& templete : mode.templetes)
+                    for (const Screen::s_Layout& layout : templete.layouts)
+                        for (const Screen::s_Cell& cell : layout.cells) {
+                            const Site* site = run.first(folder, QStringLiteral("Cell"),
+                                                         {{"SlotIndex", number(cell.slotIndex)},
+                                                          {"ConnectorIndex", number(cell.connectorIndex)}});
+                            const auto accepted = outputs.constFind(cell.slotIndex);
+                            if (slotRule) {
+                                if (accepted == outputs.constEnd())
+                                    run.report(site, folder,
+                                               QStringLiteral("layout cell names slot %1, which is not an "
+                                                              "output slot of model %2")
+                                                   .arg(cell.slotIndex)
+                                                   .arg(device.modelId));
+                                continue;
+                            }
+                            if (accepted == outputs.constEnd() || accepted->isEmpty()) continue;
+                            bool found = false;
+                            bool unknown = false;
+                            for (int model : *accepted) {
+                                unknown = unknown || !run.knownCard(model) || run.lostCards.contains(model);
+                                found = found || run.tree.cards()->findConnector(model, cell.connectorIndex);
+                            }
+                            if (!found && !unknown)
+                                run.report(
+                                    site, folder,
+                                    QStringLiteral("layout cell names connector %1 of slot %2; no card "
+                                                   "accepted there has that connector")
+                                        .arg(cell.connectorIndex)
+                                        .arg(cell.slotIndex));
+                        }
+    }
+}
+
+void cellSlotNotOutput(RuleRun& run) {
+    layoutCells(run, true);
+}
+
+void cellConnectorAbsent(RuleRun& run) {
+    layoutCells(run, false);
+}
+
+void crosscardModuleUnknown(RuleRun& run) {
+    if (!run.tree.cards() || !run.tree.devices()) return;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const QString folder = run.modelFolder(device.modelId);
+        auto check = [&](int id, const char* tag, const char* attribute) {
+            if (run.knownCard(id)) return;
+            run.report(
+                run.first(folder, QLatin1String(tag), {{attribute, number(id)}}), folder,
+                QStringLiteral("cross-card groups name card model %1, which is not in the card catalogue")
+                    .arg(id));
+        };
+        for (const CrossCard::s_CrossSubcard& card : device.crossSubcards) {
+            check(card.moduleId, "Subcard", "Value");
+            for (const CrossCard::s_CrossDeviceMode& mode : card.deviceModes)
+                for (const CrossCard::s_CrossConnectorGroups& group : mode.groups)
+                    for (const CrossCard::s_CrossConnectorGroup& member : group.connectors)
+                        check(member.moduleId, "Connector", "ModuleId");
+        }
+    }
+}
+
+void printkeyModelUnknown(RuleRun& run) {
+    const PartLoad* load = run.tree.loadOf(Part::PrintKeys);
+    if (!load || !load->ok || !run.tree.devices()) return;
+    QSet<int> models;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs())
+        models.insert(device.modelId);
+    const auto file = run.is(load->inputs.first());
+    for (const Site* site : run.sites.find(file, QStringLiteral("Device"), {}))
+        if (site->values.contains(QStringLiteral("ModelId")) &&
+            !models.contains(site->values.value(QStringLiteral("ModelId")).toInt()))
+            run.report(site, QString(),
+                       QStringLiteral("print keys for device model %1, which no device folder describes")
+                           .arg(site->values.value(QStringLiteral("ModelId"))));
+    if (!run.tree.cards()) return;
+    for (const Site* site : run.sites.find(file, QStringLiteral("Subcard"), {}))
+        if (site->values.contains(QStringLiteral("ModelId")) &&
+            !run.knownCard(site->values.value(QStringLiteral("ModelId")).toInt()))
+            run.report(site, QString(),
+                       QStringLiteral("print keys for card model %1, which is not in the card catalogue")
+                           .arg(site->values.value(QStringLiteral("ModelId"))));
+}
+
+// ---- menu -----------------------------------------------------------------
+
+QVector<const s_MenuItem*> menuNodes(const s_MenuItem* root) {
+    QVector<const s_MenuItem*> nodes{root};
+    for (int i = 0; i < nodes.size(); ++i)
+        for (const s_MenuItem* child : nodes[i]->children)
+            nodes << child;
+    return nodes;
+}
+
+const PartLoad* menuLoaded(const RuleRun& run) {
+    const PartLoad* load = run.tree.loadOf(Part::Menu);
+    return load && load->ok && run.tree.menu() ? load : nullptr;
+}
+
+void menuKeyWithoutItem(RuleRun& run) {
+    const PartLoad* load = menuLoaded(run);
+    if (!load) return;
+    const auto file = run.is(load->inputs.last());
+    QVector<const s_MenuItem*> without;
+    for (const s_MenuItem* node : menuNodes(run.tree.menu()->rootMenuItem()))
+        if (!run.tree.menu()->findMenuFCItem(node->key)) without << node;
+    if (without.size() > 1 &&
+        run.sites.find(run.is(load->inputs.first()), QStringLiteral("MenuItem"), {}).isEmpty()) {
+        // one cause, one problem: the function-item file gave none
+        run.report(nullptr, load->inputs.first(),
+                   QStringLiteral("no function item was read: none of the %1 menu keys has one")
+                       .arg(without.size()));
+        return;
+    }
+    for (const s_MenuItem* node : without)
+        run.report(run.sites.find(file, QStringLiteral("MenuItem"), {{"Key", number(node->key)}}).value(0),
+                   load->inputs.last(),
+                   QStringLiteral("menu key %1 has no function item in %2")
+                       .arg(node->key)
+                       .arg(run.tree.relative(load->inputs.first())));
+}
+
+void menuKeyDuplicate(RuleRun& run) {
+    const PartLoad* load = menuLoaded(run);
+    if (!load) return;
+    for (const QString& input : load->inputs) {
+        QHash<QString, int> seen;
+        for (const Site* site : run.sites.find(run.is(input), QStringLiteral("MenuItem"), {})) {
+            const QString key = site->values.value(QStringLiteral("Key"));
+            if (key.isEmpty() || seen[key]++ == 0) continue;
+            run.report(site, input,
+                       QStringLiteral("menu key %1 appears more than once in this file").arg(key));
+        }
+    }
+}
+
+// ---- HDR options ----------------------------------------------------------
+
+void hdrValueWithoutText(RuleRun& run) {
+    IHDRConfig* hdr = run.tree.hdr();
+    const PartLoad* load = run.tree.loadOf(Part::Hdr);
+    if (!hdr || !load) return;
+    const int configTypes[2] = {HDRInputConfig, HDROutputConfig};
+    for (int i = 0; i < 2; ++i) {
+        const auto file = run.is(load->inputs[i]);
+        auto hasText = [&](int type, int value) { return !hdr->getKeyValue(type, {value}).isEmpty(); };
+        for (int type = HDRBitDepth; type <= HDRColorGamut; ++type)
+            for (int value = 0; value <= HDRAutoValue; ++value) {
+                const auto table = hdr->getCanSelectedValues(HDRKey{type, value}, configTypes[i]);
+                if (table.empty()) continue;
+                const Site* key =
+                    run.sites
+                        .find(file, QStringLiteral("Key"), {{"Type", number(type)}, {"Value", number(value)}})
+                        .value(0);
+                const QString what = QStringLiteral("HDR setting %1 value %2 has no display text");
+                if (!hasText(type, value)) run.report(key, load->inputs[i], what.arg(type).arg(value));
+                for (const auto& dependent : table) {
+                    const int line = key ? key->line : 0;
+                    const Site* info = nullptr;
+                    for (const Site* s : run.sites.find(file, QStringLiteral("ValueInfo"),
+                                                        {{"Type", number(dependent.first)}}))
+                        if (!info && s->line >= line) info = s;
+                    for (int v : dependent.second) {
+                        if (hasText(dependent.first, v)) continue;
+                        const Site* at = nullptr;
+                        for (const Site* s :
+                             run.sites.find(file, QStringLiteral("SupportValue"), {{"#text", number(v)}}))
+                            if (!at && s->line >= (info ? info->line : line)) at = s;
+                        run.report(at, load->inputs[i], what.arg(dependent.first).arg(v));
+                    }
+                }
+            }
+    }
+}
+
+// ---- models and cards -----------------------------------------------------
+
+void modelDuplicate(RuleRun& run) {
+    QHash<int, QString> first;
+    const QDir devices(run.tree.root() + QLatin1String("/device"));
+    for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+        const int id = name.section(QLatin1Char('.'), 0, 0).toInt();
+        const QString folder = QStringLiteral("device/") + name;
+        if (!first.contains(id))
+            first.insert(id, folder);
+        else
+            run.report(
+                nullptr, folder,
+                QStringLiteral("device model %1 is already described by %2").arg(id).arg(first.value(id)));
+    }
+}
+
+void cardDuplicate(RuleRun& run) {
+    if (!run.tree.cards()) return;
+    QHash<int, int> seen;
+    for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
+        const int n = seen[card.modelId]++;
+        if (n == 0) continue;
+        const auto hits = run.sites.find(run.under(QStringLiteral("subcard")), QStringLiteral("Subcard"),
+                                         {{"ModelId", number(card.modelId)}});
+        run.report(hits.value(n), QStringLiteral("subcard"),
+                   QStringLiteral("card model %1 is already described in %2")
+                       .arg(card.modelId)
+                       .arg(hits.isEmpty() ? QString() : run.tree.relative(hits.first()->document)));
+    }
+}
+
+void currentDeviceMissing(RuleRun& run) {
+    const PartLoad* load = run.tree.loadOf(Part::Devices);
+    if (!load || !load->attempted || !run.tree.devices()) return;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs())
+        if (device.modelId == kCurrentDevice) return;
+    run.report(nullptr, QStringLiteral("device"),
+               QStringLiteral("the current device, model %1, is not described").arg(kCurrentDevice));
+}
+
+void names(RuleRun& run, bool english) {
+    const QString language = english ? QStringLiteral("English") : QStringLiteral("Chinese");
+    if (run.tree.devices())
+        for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+            if (!(english ? device.feature.enName : device.feature.zhName).empty()) continue;
+            const QString folder = run.modelFolder(device.modelId);
+            run.report(
+                run.first(folder, QStringLiteral("TypeName"), {}), folder,
+                QStringLiteral("device model %1 has no %2 type name").arg(device.modelId).arg(language));
+        }
+    if (run.tree.cards())
+        for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
+            if (!(english ? card.name.en : card.name.zhCN).empty()) continue;
+            run.report(run.first(QStringLiteral("subcard"), QStringLiteral("Subcard"),
+                                 {{"ModelId", number(card.modelId)}}),
+                       QStringLiteral("subcard"),
+                       QStringLiteral("card model %1 has no %2 name").arg(card.modelId).arg(language));
+        }
+}
+
+void nameMissingEn(RuleRun& run) {
+    names(run, true);
+}
+
+void nameMissingZh(RuleRun& run) {
+    names(run, false);
+}
+
+void modelDirEmpty(RuleRun& run) {
+    const QDir devices(run.tree.root() + QLatin1String("/device"));
+    for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+        if (QDir(devices.filePath(name)).entryList({QStringLiteral("*.xml")}, QDir::Files).isEmpty())
+            run.report(
+                nullptr, QStringLiteral("device/") + name,
+                QStringLiteral("model folder without description files: the host loads an empty model"));
+}
+
+const Rule kRules[] = {
+    {"card-unknown", Severity::Error, cardUnknown},
+    {"connector-type-undescribed", Severity::Error, connectorTypeUndescribed},
+    {"cell-slot-not-output", Severity::Error, cellSlotNotOutput},
+    {"cell-connector-absent", Severity::Error, cellConnectorAbsent},
+    {"crosscard-module-unknown", Severity::Error, crosscardModuleUnknown},
+    {"printkey-model-unknown", Severity::Error, printkeyModelUnknown},
+    {"menu-key-without-item", Severity::Error, menuKeyWithoutItem},
+    {"menu-key-duplicate", Severity::Error, menuKeyDuplicate},
+    {"hdr-value-without-text", Severity::Error, hdrValueWithoutText},
+    {"model-duplicate", Severity::Error, modelDuplicate},
+    {"card-duplicate", Severity::Error, cardDuplicate},
+    {"current-device-missing", Severity::Error, currentDeviceMissing},
+    {"name-missing-en", Severity::Warning, nameMissingEn},
+    {"name-missing-zh", Severity::Warning, nameMissingZh},
+    {"model-dir-empty", Severity::Warning, modelDirEmpty},
+};
+
+void mute(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+} // namespace
+
+void RuleRun::report(const Site* site, const QString& file, const QString& text) {
+    Problem problem;
+    problem.file = tree.relative(site ? site->document : QDir(tree.root()).absoluteFilePath(file));
+    if (site) {
+        problem.line = site->line;
+        problem.column = site->column;
+    }
+    problem.severity = rule->severity;
+    problem.code = QLatin1String(rule->code);
+    problem.text = text;
+    m_problems.add(problem);
+}
+
+std::function<bool(const QString&)> RuleRun::under(const QString& folder) const {
+    const QString prefix = QDir(tree.root()).absoluteFilePath(folder) + QLatin1Char('/');
+    return [prefix](const QString& document) { return document.startsWith(prefix); };
+}
+
+std::function<bool(const QString&)> RuleRun::is(const QString& document) const {
+    const QString path = QDir(tree.root()).absoluteFilePath(document);
+    return [path](const QString& d) { return d == path; };
+}
+
+const Site* RuleRun::first(const QString& folder, const QString& tag, Sites::Match values) const {
+    return folder.isEmpty() ? nullptr : sites.find(under(folder), tag, values).value(0);
+}
+
+bool RuleRun::knownCard(int modelId) const {
+    if (lostCards.contains(modelId)) return true;
+    if (!tree.cards()) return false;
+    for (const Subcard::s_Subcard& card : tree.cards()->subcardConfig())
+        if (card.modelId == modelId) return true;
+    return false;
+}
+
+QString RuleRun::modelFolder(int modelId) const {
+    const QDir devices(tree.root() + QLatin1String("/device"));
+    for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+        if (name.section(QLatin1Char('.'), 0, 0).toInt() == modelId) return QStringLiteral("device/") + name;
+    return QString();
+}
+
+void runRules(RuleRun& run) {
+    const QtMessageHandler previous = qInstallMessageHandler(&mute);
+    for (const Rule& rule : kRules) {
+        run.rule = &rule;
+        rule.run(run);
+    }
+    qInstallMessageHandler(previous);
+}
+
+} // namespace lcdcfg

@@ -1,0 +1,58 @@
+#pragma once
+
+// The cross-file rules of `lcdcfg check`: one table, each rule with its
+// stable code, its severity and a function over the loaded tree. Rules read
+// the components' records; positions come from the sites the load observer
+// recorded (line 0 of the file when none is found).
+
+#include <QtCore/QSet>
+
+#include "tools/lcdcfg/problems.h"
+#include "tools/lcdcfg/sites.h"
+#include "tools/lcdcfg/tree.h"
+
+namespace lcdcfg {
+
+struct Rule;
+
+// What a rule works on, and where it reports.
+class RuleRun {
+public:
+    RuleRun(const Tree& tree, const Sites& sites, Problems& problems)
+        : tree(tree), sites(sites), m_problems(problems) {}
+
+    const Tree& tree;
+    const Sites& sites;
+    // Ids the host loses to a bad file (reported once as records-lost): a
+    // reference to one of them is not reported again.
+    QSet<int> lostCards;
+    QSet<int> lostConnectorTypes;
+
+    // Reports at `site`, else at line 0 of `file` (absolute, or relative to the root).
+    void report(const Site* site, const QString& file, const QString& text);
+    // Documents under a folder of the root ("subcard", "device/29974"), or one file.
+    std::function<bool(const QString&)> under(const QString& folder) const;
+    std::function<bool(const QString&)> is(const QString& document) const;
+    // The first site with `tag` and `values` under `folder`, or null.
+    const Site* first(const QString& folder, const QString& tag, Sites::Match values) const;
+    // Whether the catalogue has the card model, or the host loses it to a bad file.
+    bool knownCard(int modelId) const;
+    // The folder of a device model's files ("device/29974"); empty when none.
+    QString modelFolder(int modelId) const;
+
+    const Rule* rule = nullptr;
+
+private:
+    Problems& m_problems;
+};
+
+struct Rule {
+    const char* code;
+    Severity severity;
+    void (*run)(RuleRun& run);
+};
+
+// Runs every rule in table order (the library's messages are muted meanwhile).
+void runRules(RuleRun& run);
+
+} // namespace lcdcfg

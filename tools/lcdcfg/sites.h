@@ -1,0 +1,78 @@
+#pragma once
+
+// Where things were read: a load observer that remembers, per document, every
+// element whose attributes or text a reader took (with the values as written),
+// every child lookup that found nothing, and how each document was parsed.
+// Records carry no positions; a rule finds the element an id came from here.
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
+#include <functional>
+#include <initializer_list>
+#include <utility>
+
+#include "common/loadobserver.h"
+
+namespace lcdcfg {
+
+// One element a reader took values from.
+struct Site {
+    QString document; // absolute, as the tree reports it
+    QString tag;
+    int line = 0;
+    int column = 0;
+    QHash<QString, QString> values; // attributes present, as written; "#text" for the text
+};
+
+// A child lookup that found nothing: at the parent, with the missing path.
+struct Missing {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString name; // the missing child
+    QString path; // e.g. "Vrn/Device"
+};
+
+// A document that could not be opened, parsed, or whose root was refused.
+struct DocumentFailure {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString error;
+    bool rejected = false; // parsed, but the root check failed
+};
+
+class Sites : public LCD::ConfigModel::LoadObserver {
+public:
+    const QVector<Site>& sites() const { return m_sites; }
+    const QVector<Missing>& missing() const { return m_missing; }
+    const QVector<DocumentFailure>& failures() const { return m_failures; }
+
+    // Every site whose document satisfies `document`, whose tag is `tag` (any
+    // when empty) and that holds every (name, value) pair, in reading order.
+    using Match = std::initializer_list<std::pair<const char*, QString>>;
+    QVector<const Site*> find(const std::function<bool(const QString&)>& document, const QString& tag,
+                              Match values) const;
+    // The latest lookup of `name` that failed in `document`, or null.
+    const Missing* lastMissing(const QString& document, const QString& name) const;
+
+    void documentStarted(const QString& path) override;
+    void documentParsed(const LCD::ConfigModel::DocumentRead& read) override;
+    void documentRejected(const QDomElement& root, const QString& error) override;
+    void elementMissing(const QDomElement& parent, const char* name) override;
+    void attributeRead(const LCD::ConfigModel::AttributeRead& read) override;
+    void textRead(const QDomElement& element) override;
+
+private:
+    Site& siteOf(const QDomElement& element);
+
+    QString m_document;
+    QVector<Site> m_sites;
+    QHash<QString, int> m_index; // "document:line:column" to its site
+    QVector<Missing> m_missing;
+    QVector<DocumentFailure> m_failures;
+};
+
+} // namespace lcdcfg
