@@ -112,6 +112,10 @@ private Q_SLOTS:
                       const QStringList& expected,
                       int code) { QTest::newRow(name) << file << from << to << expected << code; };
         row("misspelt required element", slot, "Device>", "Devise>", {slot + ":6:missing-element"}, 1);
+        row("misspelt optional element", mosaic, "DeviceModes", "DeviceModez",
+            {mosaic + ":7:element-misspelt"}, 1);
+        row("number attribute with a letter", "subcard/2104_12gsdi_2in.xml", "ModelId=\"2104\"",
+            "ModelId=\"21O4\"", {"subcard/2104_12gsdi_2in.xml:7:number-invalid"}, 1);
         row("malformed XML", "ui/printkeynoconfig.xml", "", "<LCD>", {"ui/printkeynoconfig.xml:1:parse"}, 1);
         row("empty card file", "subcard/2102_dvi_4in.xml", "", "",
             {"subcard/2102_dvi_4in.xml:1:parse", "subcard/2102_dvi_4in.xml:0:records-lost"}, 1);

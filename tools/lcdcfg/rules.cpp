@@ -162,26 +162,29 @@ void crosscardModuleUnknown(RuleRun& run) {
     }
 }
 
+// Every `tag` of the print-key table whose ModelId is not `known`.
+void printkeyModels(RuleRun& run, const QString& tag, const std::function<bool(int)>& known,
+                    const QString& text) {
+    const PartLoad* load = run.tree.loadOf(Part::PrintKeys);
+    for (const Site* site : run.sites.find(run.is(load->inputs.first()), tag, {})) {
+        const QString id = site->values.value(QStringLiteral("ModelId"));
+        if (!id.isEmpty() && !known(id.toInt())) run.report(site, QString(), text.arg(id));
+    }
+}
+
 void printkeyModelUnknown(RuleRun& run) {
     const PartLoad* load = run.tree.loadOf(Part::PrintKeys);
     if (!load || !load->ok || !run.tree.devices()) return;
     QSet<int> models;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs())
         models.insert(device.modelId);
-    const auto file = run.is(load->inputs.first());
-    for (const Site* site : run.sites.find(file, QStringLiteral("Device"), {}))
-        if (site->values.contains(QStringLiteral("ModelId")) &&
-            !models.contains(site->values.value(QStringLiteral("ModelId")).toInt()))
-            run.report(site, QString(),
-                       QStringLiteral("print keys for device model %1, which no device folder describes")
-                           .arg(site->values.value(QStringLiteral("ModelId"))));
-    if (!run.tree.cards()) return;
-    for (const Site* site : run.sites.find(file, QStringLiteral("Subcard"), {}))
-        if (site->values.contains(QStringLiteral("ModelId")) &&
-            !run.knownCard(site->values.value(QStringLiteral("ModelId")).toInt()))
-            run.report(site, QString(),
-                       QStringLiteral("print keys for card model %1, which is not in the card catalogue")
-                           .arg(site->values.value(QStringLiteral("ModelId"))));
+    printkeyModels(
+        run, QStringLiteral("Device"), [&](int id) { return models.contains(id); },
+        QStringLiteral("print keys for device model %1, which no device folder describes"));
+    if (run.tree.cards())
+        printkeyModels(
+            run, QStringLiteral("Subcard"), [&](int id) { return run.knownCard(id); },
+            QStringLiteral("print keys for card model %1, which is not in the card catalogue"));
 }
 
 // ---- menu -----------------------------------------------------------------
@@ -199,10 +202,23 @@ const PartLoad* menuLoaded(const RuleRun& run) {
     return load && load->ok && run.tree.menu() ? load : nullptr;
 }
 
+// No entry was read: the tree file has no menu bar (or an empty one).
+bool menuEmpty(const MenuConfigInterface* menu) {
+    return menu->rootMenuItem()->key == 0 && menu->rootMenuItem()->children.isEmpty();
+}
+
+void menuEmptyRule(RuleRun& run) {
+    const PartLoad* load = menuLoaded(run);
+    if (!load || !menuEmpty(run.tree.menu())) return;
+    run.report(run.missingSite(load->inputs.last(), QStringLiteral("MenuBar")), load->inputs.last(),
+               QStringLiteral("the menu tree has no entry"));
+}
+
 void menuKeyWithoutItem(RuleRun& run) {
     const PartLoad* load = menuLoaded(run);
     if (!load) return;
     const auto file = run.is(load->inputs.last());
+    if (menuEmpty(run.tree.menu())) return;
     QVector<const s_MenuItem*> without;
     for (const s_MenuItem* node : menuNodes(run.tree.menu()->rootMenuItem()))
         if (!run.tree.menu()->findMenuFCItem(node->key)) without << node;
@@ -320,10 +336,17 @@ void names(RuleRun& run, bool english) {
     const QString language = english ? QStringLiteral("English") : QStringLiteral("Chinese");
     if (run.tree.devices())
         for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-            if (!(english ? device.feature.enName : device.feature.zhName).empty()) continue;
+            // a feature file that failed is reported as such
+            if (!(english ? device.feature.enName : device.feature.zhName).empty() ||
+                device.feature == Feature::s_DeviceFeature{})
+                continue;
             const QString folder = run.modelFolder(device.modelId);
+            const Site* at = run.first(folder, QStringLiteral("TypeName"), {});
+            for (const Missing& m : run.sites.missing())
+                if (!at && m.name == QLatin1String("TypeName") && run.under(folder)(m.document))
+                    at = run.missingSite(m.document, m.name);
             run.report(
-                run.first(folder, QStringLiteral("TypeName"), {}), folder,
+                at, folder,
                 QStringLiteral("device model %1 has no %2 type name").arg(device.modelId).arg(language));
         }
     if (run.tree.cards())
@@ -344,6 +367,25 @@ void nameMissingZh(RuleRun& run) {
     names(run, false);
 }
 
+void elementMisspelt(RuleRun& run) {
+    for (const Missing& m : run.sites.missing()) {
+        if (m.near.isEmpty() || run.sites.found(m.document, m.nearLine, m.nearColumn)) continue;
+        Site site{m.document, QString(), m.nearLine, m.nearColumn, {}};
+        run.report(
+            &site, QString(),
+            QStringLiteral("[%1] is not read here: a misspelt [%2] (%3)?").arg(m.near, m.name, m.path));
+    }
+}
+
+void numberInvalid(RuleRun& run) {
+    for (const BadNumber& bad : run.sites.badNumbers()) {
+        Site site{bad.document, QString(), bad.line, bad.column, {}};
+        run.report(&site, QString(),
+                   QStringLiteral("%1=\"%2\" is not a number: the host reads %3")
+                       .arg(bad.name, bad.raw, bad.stored));
+    }
+}
+
 void modelDirEmpty(RuleRun& run) {
     const QDir devices(run.tree.root() + QLatin1String("/device"));
     for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
@@ -360,6 +402,7 @@ const Rule kRules[] = {
     {"cell-connector-absent", Severity::Error, cellConnectorAbsent},
     {"crosscard-module-unknown", Severity::Error, crosscardModuleUnknown},
     {"printkey-model-unknown", Severity::Error, printkeyModelUnknown},
+    {"menu-empty", Severity::Error, menuEmptyRule},
     {"menu-key-without-item", Severity::Error, menuKeyWithoutItem},
     {"menu-key-duplicate", Severity::Error, menuKeyDuplicate},
     {"hdr-value-without-text", Severity::Error, hdrValueWithoutText},
@@ -368,12 +411,21 @@ const Rule kRules[] = {
     {"current-device-missing", Severity::Error, currentDeviceMissing},
     {"name-missing-en", Severity::Warning, nameMissingEn},
     {"name-missing-zh", Severity::Warning, nameMissingZh},
+    {"element-misspelt", Severity::Error, elementMisspelt},
+    {"number-invalid", Severity::Error, numberInvalid},
     {"model-dir-empty", Severity::Warning, modelDirEmpty},
 };
 
 void mute(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 } // namespace
+
+const Site* RuleRun::missingSite(const QString& document, const QString& name) {
+    const Missing* m = sites.lastMissing(QDir(tree.root()).absoluteFilePath(document), name);
+    if (!m) return nullptr;
+    m_made.push_back(Site{m->document, QString(), m->line, m->column, {}});
+    return &m_made.back();
+}
 
 void RuleRun::report(const Site* site, const QString& file, const QString& text) {
     Problem problem;

@@ -7,6 +7,8 @@
 
 #include <QtCore/QSet>
 
+#include <list>
+
 #include "tools/lcdcfg/problems.h"
 #include "tools/lcdcfg/sites.h"
 #include "tools/lcdcfg/tree.h"
@@ -40,10 +42,14 @@ public:
     // The folder of a device model's files ("device/29974"); empty when none.
     QString modelFolder(int modelId) const;
 
+    // The parent where a lookup of `name` in `document` found nothing, or null.
+    const Site* missingSite(const QString& document, const QString& name);
+
     const Rule* rule = nullptr;
 
 private:
     Problems& m_problems;
+    std::list<Site> m_made; // sites made for positions that have no site
 };
 
 struct Rule {

@@ -16,6 +16,29 @@ QString pathOf(const QDomElement& element) {
     return tags.join(QLatin1Char('/'));
 }
 
+QString keyOf(const QString& document, int line, int column) {
+    return QStringLiteral("%1:%2:%3").arg(document).arg(line).arg(column);
+}
+
+// Edit distance, case ignored, up to `limit` (anything larger is limit + 1).
+int distance(const QString& a, const QString& b, int limit) {
+    if (qAbs(a.size() - b.size()) > limit) return limit + 1;
+    QVector<int> row(b.size() + 1);
+    for (int j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (int i = 1; i <= a.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i;
+        for (int j = 1; j <= b.size(); ++j) {
+            const int above = row[j];
+            row[j] = qMin(qMin(row[j] + 1, row[j - 1] + 1),
+                          diagonal + (a[i - 1].toLower() == b[j - 1].toLower() ? 0 : 1));
+            diagonal = above;
+        }
+    }
+    return row[b.size()];
+}
+
 } // namespace
 
 QVector<const Site*> Sites::find(const std::function<bool(const QString&)>& document, const QString& tag,
@@ -50,15 +73,40 @@ void Sites::documentRejected(const QDomElement& root, const QString& error) {
     m_failures.push_back({m_document, root.lineNumber(), root.columnNumber(), error, true});
 }
 
+bool Sites::found(const QString& document, int line, int column) const {
+    return m_found.contains(keyOf(document, line, column));
+}
+
+void Sites::elementFound(const QDomElement& element) {
+    m_found.insert(keyOf(m_document, element.lineNumber(), element.columnNumber()));
+}
+
 void Sites::elementMissing(const QDomElement& parent, const char* name) {
     const QString child = QString::fromUtf8(name);
-    m_missing.push_back(
-        {m_document, parent.lineNumber(), parent.columnNumber(), child, pathOf(parent) + '/' + child});
+    Missing missing;
+    missing.document = m_document;
+    missing.line = parent.lineNumber();
+    missing.column = parent.columnNumber();
+    missing.name = child;
+    missing.path = pathOf(parent) + '/' + child;
+    const int limit = child.size() < 5 ? 1 : 2;
+    for (QDomElement e = parent.firstChildElement(); !e.isNull() && missing.near.isEmpty();
+         e = e.nextSiblingElement())
+        if (distance(e.tagName(), child, limit) <= limit) {
+            missing.near = e.tagName();
+            missing.nearLine = e.lineNumber();
+            missing.nearColumn = e.columnNumber();
+        }
+    m_missing.push_back(missing);
 }
 
 void Sites::attributeRead(const AttributeRead& read) {
     Site& site = siteOf(read.element);
-    if (read.present) site.values.insert(QString::fromUtf8(read.name), read.raw);
+    if (!read.present) return;
+    site.values.insert(QString::fromUtf8(read.name), read.raw);
+    if (!read.validNumber)
+        m_badNumbers.push_back(
+            {m_document, site.line, site.column, QString::fromUtf8(read.name), read.raw, read.stored});
 }
 
 void Sites::textRead(const QDomElement& element) {
@@ -66,8 +114,7 @@ void Sites::textRead(const QDomElement& element) {
 }
 
 Site& Sites::siteOf(const QDomElement& element) {
-    const QString key =
-        QStringLiteral("%1:%2:%3").arg(m_document).arg(element.lineNumber()).arg(element.columnNumber());
+    const QString key = keyOf(m_document, element.lineNumber(), element.columnNumber());
     auto it = m_index.constFind(key);
     if (it != m_index.constEnd()) return m_sites[*it];
     m_index.insert(key, m_sites.size());

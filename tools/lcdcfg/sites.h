@@ -6,6 +6,7 @@
 // Records carry no positions; a rule finds the element an id came from here.
 
 #include <QtCore/QHash>
+#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
@@ -33,6 +34,11 @@ struct Missing {
     int column = 0;
     QString name; // the missing child
     QString path; // e.g. "Vrn/Device"
+    // A child of the parent whose name is one or two letters off, when
+    // there is one: the element the author probably meant.
+    QString near;
+    int nearLine = 0;
+    int nearColumn = 0;
 };
 
 // A document that could not be opened, parsed, or whose root was refused.
@@ -44,11 +50,22 @@ struct DocumentFailure {
     bool rejected = false; // parsed, but the root check failed
 };
 
+// A number attribute whose text does not convert: the reader stored `stored`.
+struct BadNumber {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString name;
+    QString raw;
+    QString stored;
+};
+
 class Sites : public LCD::ConfigModel::LoadObserver {
 public:
     const QVector<Site>& sites() const { return m_sites; }
     const QVector<Missing>& missing() const { return m_missing; }
     const QVector<DocumentFailure>& failures() const { return m_failures; }
+    const QVector<BadNumber>& badNumbers() const { return m_badNumbers; }
 
     // Every site whose document satisfies `document`, whose tag is `tag` (any
     // when empty) and that holds every (name, value) pair, in reading order.
@@ -57,10 +74,13 @@ public:
                               Match values) const;
     // The latest lookup of `name` that failed in `document`, or null.
     const Missing* lastMissing(const QString& document, const QString& name) const;
+    // Whether a reader reached the element at this place.
+    bool found(const QString& document, int line, int column) const;
 
     void documentStarted(const QString& path) override;
     void documentParsed(const LCD::ConfigModel::DocumentRead& read) override;
     void documentRejected(const QDomElement& root, const QString& error) override;
+    void elementFound(const QDomElement& element) override;
     void elementMissing(const QDomElement& parent, const char* name) override;
     void attributeRead(const LCD::ConfigModel::AttributeRead& read) override;
     void textRead(const QDomElement& element) override;
@@ -71,8 +91,10 @@ private:
     QString m_document;
     QVector<Site> m_sites;
     QHash<QString, int> m_index; // "document:line:column" to its site
+    QSet<QString> m_found;       // "document:line:column" of every element reached
     QVector<Missing> m_missing;
     QVector<DocumentFailure> m_failures;
+    QVector<BadNumber> m_badNumbers;
 };
 
 } // namespace lcdcfg
