@@ -155,7 +155,7 @@ private Q_SLOTS:
             0);
         row("current device missing", "device/29974", "*", "", {"device:0:current-device-missing"}, 1);
         row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);
-        row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>", {"ui/checklist.xml:0:load"}, 1);
+        row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>", {"ui/checklist.xml:1:load"}, 1);
         row("missing HDR file warns", "func/hdr/lcdhdrinputconfig.xml", "*", "",
             {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);

@@ -86,8 +86,13 @@ void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fil
     });
     if (!load.error.isEmpty() && !repeated) {
         const QString document = load.documents.isEmpty() ? QString() : load.documents.last();
-        add(document, 0, 0, load.ok ? Severity::Warning : Severity::Error, QStringLiteral("load"),
-            load.error);
+        // a rejection without a position: the last lookup that failed in the file is its cause
+        const Missing* cause = nullptr;
+        for (const Missing& m : sites.missing())
+            if (!load.ok && m.document == document && missingName(load.error).isEmpty()) cause = &m;
+        add(document, cause ? cause->line : 0, cause ? cause->column : 0,
+            load.ok ? Severity::Warning : Severity::Error, QStringLiteral("load"),
+            cause ? QStringLiteral("%1 (missing %2)").arg(load.error, cause->path) : load.error);
     }
 }
 
