@@ -3,6 +3,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
+#include <algorithm>
 #include <array>
 
 namespace lcdcfg {
@@ -377,6 +378,20 @@ void elementMisspelt(RuleRun& run) {
     }
 }
 
+void fileUnread(RuleRun& run) {
+    for (const PartLoad& load : run.tree.loads())
+        for (const QString& document : load.documents) {
+            const auto here = run.is(document);
+            const bool failed = std::any_of(run.sites.failures().begin(), run.sites.failures().end(),
+                                            [&](const DocumentFailure& f) { return here(f.document); });
+            if (!failed && run.sites.find(here, QString(), {}).isEmpty())
+                run.report(nullptr, document,
+                           QStringLiteral(
+                               "the %1 loader read nothing from this file: is its first element misspelt?")
+                               .arg(QLatin1String(partName(load.part))));
+        }
+}
+
 void numberInvalid(RuleRun& run) {
     for (const BadNumber& bad : run.sites.badNumbers()) {
         Site site{bad.document, QString(), bad.line, bad.column, {}};
@@ -412,6 +427,7 @@ const Rule kRules[] = {
     {"name-missing-en", Severity::Warning, nameMissingEn},
     {"name-missing-zh", Severity::Warning, nameMissingZh},
     {"element-misspelt", Severity::Error, elementMisspelt},
+    {"file-unread", Severity::Error, fileUnread},
     {"number-invalid", Severity::Error, numberInvalid},
     {"model-dir-empty", Severity::Warning, modelDirEmpty},
 };
