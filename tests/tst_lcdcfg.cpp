@@ -116,6 +116,8 @@ private Q_SLOTS:
             {mosaic + ":7:element-misspelt"}, 1);
         row("number attribute with a letter", "subcard/2104_12gsdi_2in.xml", "ModelId=\"2104\"",
             "ModelId=\"21O4\"", {"subcard/2104_12gsdi_2in.xml:7:number-invalid"}, 1);
+        row("misspelt attribute", "subcard/2104_12gsdi_2in.xml", "ModelId=\"2104\"", "ModelID=\"2104\"",
+            {"subcard/2104_12gsdi_2in.xml:7:attribute-misspelt"}, 1);
         row("connector file read as nothing", "connector/connector_dvi.xml", "Connectors>", "Connectorz>",
             {"connector/connector_dvi.xml:0:file-unread"}, 1);
         row("malformed XML", "ui/printkeynoconfig.xml", "", "<LCD>", {"ui/printkeynoconfig.xml:1:parse"}, 1);

@@ -378,6 +378,16 @@ void elementMisspelt(RuleRun& run) {
     }
 }
 
+void attributeMisspelt(RuleRun& run) {
+    for (const NearAttribute& a : run.sites.nearAttributes()) {
+        const Site* site = run.sites.siteAt(a.document, a.line, a.column);
+        if (!site || site->values.contains(a.near)) continue; // the written one is read too
+        run.report(site, QString(),
+                   QStringLiteral("%1 is not read here: a misspelt %2? (the host takes its default)")
+                       .arg(a.near, a.name));
+    }
+}
+
 void fileUnread(RuleRun& run) {
     for (const PartLoad& load : run.tree.loads())
         for (const QString& document : load.documents) {
@@ -427,6 +437,7 @@ const Rule kRules[] = {
     {"name-missing-en", Severity::Warning, nameMissingEn},
     {"name-missing-zh", Severity::Warning, nameMissingZh},
     {"element-misspelt", Severity::Error, elementMisspelt},
+    {"attribute-misspelt", Severity::Error, attributeMisspelt},
     {"file-unread", Severity::Error, fileUnread},
     {"number-invalid", Severity::Error, numberInvalid},
     {"model-dir-empty", Severity::Warning, modelDirEmpty},

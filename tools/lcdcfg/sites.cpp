@@ -39,7 +39,18 @@ int distance(const QString& a, const QString& b, int limit) {
     return row[b.size()];
 }
 
+// A name a letter or two (for longer names) away from `wanted`, case aside.
+bool near(const QString& name, const QString& wanted) {
+    const int limit = wanted.size() < 5 ? 1 : 2;
+    return name != wanted && distance(name, wanted, limit) <= limit;
+}
+
 } // namespace
+
+const Site* Sites::siteAt(const QString& document, int line, int column) const {
+    auto it = m_index.constFind(keyOf(document, line, column));
+    return it == m_index.constEnd() ? nullptr : &m_sites[*it];
+}
 
 QVector<const Site*> Sites::find(const std::function<bool(const QString&)>& document, const QString& tag,
                                  Match values) const {
@@ -89,10 +100,9 @@ void Sites::elementMissing(const QDomElement& parent, const char* name) {
     missing.column = parent.columnNumber();
     missing.name = child;
     missing.path = pathOf(parent) + '/' + child;
-    const int limit = child.size() < 5 ? 1 : 2;
     for (QDomElement e = parent.firstChildElement(); !e.isNull() && missing.near.isEmpty();
          e = e.nextSiblingElement())
-        if (distance(e.tagName(), child, limit) <= limit) {
+        if (near(e.tagName(), child)) {
             missing.near = e.tagName();
             missing.nearLine = e.lineNumber();
             missing.nearColumn = e.columnNumber();
@@ -102,11 +112,16 @@ void Sites::elementMissing(const QDomElement& parent, const char* name) {
 
 void Sites::attributeRead(const AttributeRead& read) {
     Site& site = siteOf(read.element);
-    if (!read.present) return;
-    site.values.insert(QString::fromUtf8(read.name), read.raw);
-    if (!read.validNumber)
-        m_badNumbers.push_back(
-            {m_document, site.line, site.column, QString::fromUtf8(read.name), read.raw, read.stored});
+    const QString name = QString::fromUtf8(read.name);
+    site.values.insert(name, read.stored);
+    if (read.present && !read.validNumber)
+        m_badNumbers.push_back({m_document, site.line, site.column, name, read.raw, read.stored});
+    if (read.present) return;
+    const QDomNamedNodeMap attributes = read.element.attributes();
+    for (int i = 0; i < attributes.count(); ++i)
+        if (near(attributes.item(i).nodeName(), name))
+            m_nearAttributes.push_back(
+                {m_document, site.line, site.column, name, attributes.item(i).nodeName()});
 }
 
 void Sites::textRead(const QDomElement& element) {

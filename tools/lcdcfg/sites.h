@@ -24,7 +24,7 @@ struct Site {
     QString tag;
     int line = 0;
     int column = 0;
-    QHash<QString, QString> values; // attributes present, as written; "#text" for the text
+    QHash<QString, QString> values; // attributes read, as stored (defaults too); "#text" for the text
 };
 
 // A child lookup that found nothing: at the parent, with the missing path.
@@ -39,6 +39,15 @@ struct Missing {
     QString near;
     int nearLine = 0;
     int nearColumn = 0;
+};
+
+// An attribute read as absent where the element has one a letter or two away.
+struct NearAttribute {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString name; // looked for
+    QString near; // written
 };
 
 // A document that could not be opened, parsed, or whose root was refused.
@@ -66,6 +75,9 @@ public:
     const QVector<Missing>& missing() const { return m_missing; }
     const QVector<DocumentFailure>& failures() const { return m_failures; }
     const QVector<BadNumber>& badNumbers() const { return m_badNumbers; }
+    const QVector<NearAttribute>& nearAttributes() const { return m_nearAttributes; }
+    // The site of the element at this place, or null.
+    const Site* siteAt(const QString& document, int line, int column) const;
 
     // Every site whose document satisfies `document`, whose tag is `tag` (any
     // when empty) and that holds every (name, value) pair, in reading order.
@@ -95,6 +107,7 @@ private:
     QVector<Missing> m_missing;
     QVector<DocumentFailure> m_failures;
     QVector<BadNumber> m_badNumbers;
+    QVector<NearAttribute> m_nearAttributes;
 };
 
 } // namespace lcdcfg
