@@ -5,7 +5,6 @@
 #include "tools/lcdcfg/check.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
@@ -85,13 +84,22 @@ void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fil
         return key.section(QLatin1Char('\n'), 1) == reason(load.error);
     });
     if (!load.error.isEmpty() && !repeated) {
-        const QString document = load.documents.isEmpty() ? QString() : load.documents.last();
-        // a rejection without a position: the last lookup that failed in the file is its cause
+        // the loader's error is left by the file that failed: a missing
+        // element's by the last file where that lookup failed, any other's by
+        // the last file opened, at the last lookup that failed there
+        const QString name = missingName(load.error);
+        QString document = load.documents.isEmpty() ? QString() : load.documents.last();
         const Missing* cause = nullptr;
         for (const Missing& m : sites.missing())
-            if (!load.ok && m.document == document && missingName(load.error).isEmpty()) cause = &m;
+            if (load.documents.contains(m.document) &&
+                (name.isEmpty() ? m.document == document : m.name == name))
+                cause = &m;
+        if (cause) document = cause->document;
+        if (!name.isEmpty() || load.ok) cause = nullptr; // placed by add(), or not the cause
+        // a connector load that goes on has dropped a description: an error too
+        const bool error = !load.ok || load.part == Part::Connectors;
         add(document, cause ? cause->line : 0, cause ? cause->column : 0,
-            load.ok ? Severity::Warning : Severity::Error, QStringLiteral("load"),
+            error ? Severity::Error : Severity::Warning, QStringLiteral("load"),
             cause ? QStringLiteral("%1 (missing %2)").arg(load.error, cause->path) : load.error);
     }
 }
@@ -99,16 +107,14 @@ void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fil
 // The card or connector files of a folder in the order the directory loaders
 // take them (the card folder's direct sub-directories too).
 QStringList filesOf(const QString& folder, bool subdirectories) {
+    QStringList folders{folder};
+    if (subdirectories)
+        for (const QFileInfo& sub : QDir(folder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
+            folders << sub.filePath();
     QStringList files;
-    QDirIterator it(folder, {QStringLiteral("*.xml")}, QDir::Files,
-                    subdirectories ? QDirIterator::Subdirectories : QDirIterator::NoIteratorFlags);
-    while (it.hasNext()) {
-        const QString file = it.next();
-        if (QFileInfo(file).dir().absolutePath() == QDir(folder).absolutePath() ||
-            QFileInfo(QFileInfo(file).absolutePath()).dir().absolutePath() == QDir(folder).absolutePath())
-            files << file;
-    }
-    files.sort(Qt::CaseInsensitive);
+    for (const QString& dir : folders)
+        for (const QFileInfo& file : QDir(dir).entryInfoList({QStringLiteral("*.xml")}, QDir::Files))
+            files << file.absoluteFilePath();
     return files;
 }
 

@@ -390,7 +390,7 @@ void attributeMisspelt(RuleRun& run) {
 
 void fileUnread(RuleRun& run) {
     for (const PartLoad& load : run.tree.loads())
-        for (const QString& document : load.documents) {
+        for (const QString& document : load.ok ? load.documents : QStringList()) {
             const auto here = run.is(document);
             const bool failed = std::any_of(run.sites.failures().begin(), run.sites.failures().end(),
                                             [&](const DocumentFailure& f) { return here(f.document); });
