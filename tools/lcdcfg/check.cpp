@@ -49,7 +49,10 @@ void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fil
     QStringList seen; // "document\nreason" already reported
     auto add = [&](const QString& document, int line, int column, Severity severity, QString code,
                    QString text) {
-        const QString file = document.isEmpty() ? inputName : fileOf(document);
+        // before the first document: the input the text names, else the first
+        QString file = document.isEmpty() ? inputName : fileOf(document);
+        for (const QString& input : document.isEmpty() ? load.inputs : QStringList())
+            if (text.contains(QFileInfo(input).fileName()) && !fileOf(input).isEmpty()) file = fileOf(input);
         const QString key = document + QLatin1Char('\n') + reason(text);
         if (file.isEmpty() || seen.contains(key)) return;
         seen << key;
