@@ -92,7 +92,9 @@ QHash<int, QVector<int>> outputSlots(const RuleRun& run, const Slot::s_Slots& sl
     return out;
 }
 
-void layoutCells(RuleRun& run, bool slotRule) {
+// Calls `check` with every layout cell of every model whose slot file was
+// read, the model's output slots, and the cell's site.
+template <class Check> void forEachCell(RuleRun& run, Check check) {
     if (!run.tree.cards() || !run.tree.devices()) return;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
         if (device.slot == Slot::s_VrnSolt{}) continue; // no slot file read: reported as such
@@ -102,44 +104,43 @@ void layoutCells(RuleRun& run, bool slotRule) {
             for (const Screen::s_DeviceMode& mode : screen.deviceModes)
                 for (const Screen::s_Templete& templete : mode.templetes)
                     for (const Screen::s_Layout& layout : templete.layouts)
-                        for (const Screen::s_Cell& cell : layout.cells) {
-                            const Site* site = run.first(folder, QStringLiteral("Cell"),
-                                                         {{"SlotIndex", number(cell.slotIndex)},
-                                                          {"ConnectorIndex", number(cell.connectorIndex)}});
-                            const auto accepted = outputs.constFind(cell.slotIndex);
-                            if (slotRule) {
-                                if (accepted == outputs.constEnd())
-                                    run.report(site, folder,
-                                               QStringLiteral("layout cell names slot %1, which is not an "
-                                                              "output slot of model %2")
-                                                   .arg(cell.slotIndex)
-                                                   .arg(device.modelId));
-                                continue;
-                            }
-                            if (accepted == outputs.constEnd() || accepted->isEmpty()) continue;
-                            bool found = false;
-                            bool unknown = false;
-                            for (int model : *accepted) {
-                                unknown = unknown || !run.knownCard(model) || run.lostCards.contains(model);
-                                found = found || run.tree.cards()->findConnector(model, cell.connectorIndex);
-                            }
-                            if (!found && !unknown)
-                                run.report(
-                                    site, folder,
-                                    QStringLiteral("layout cell names connector %1 of slot %2; no card "
-                                                   "accepted there has that connector")
-                                        .arg(cell.connectorIndex)
-                                        .arg(cell.slotIndex));
-                        }
+                        for (const Screen::s_Cell& cell : layout.cells)
+                            check(device, folder, outputs, cell,
+                                  run.first(folder, QStringLiteral("Cell"),
+                                            {{"SlotIndex", number(cell.slotIndex)},
+                                             {"ConnectorIndex", number(cell.connectorIndex)}}));
     }
 }
 
 void cellSlotNotOutput(RuleRun& run) {
-    layoutCells(run, true);
+    forEachCell(run, [&](const Devicecfg::s_Device& device, const QString& folder,
+                         const QHash<int, QVector<int>>& outputs, const Screen::s_Cell& cell,
+                         const Site* site) {
+        if (!outputs.contains(cell.slotIndex))
+            run.report(site, folder,
+                       QStringLiteral("layout cell names slot %1, which is not an output slot of model %2")
+                           .arg(cell.slotIndex)
+                           .arg(device.modelId));
+    });
 }
 
 void cellConnectorAbsent(RuleRun& run) {
-    layoutCells(run, false);
+    forEachCell(run, [&](const Devicecfg::s_Device&, const QString& folder,
+                         const QHash<int, QVector<int>>& outputs, const Screen::s_Cell& cell,
+                         const Site* site) {
+        const QVector<int> accepted = outputs.value(cell.slotIndex);
+        bool found = false;
+        for (int model : accepted) {
+            if (!run.knownCard(model) || run.lostCards.contains(model)) return; // reported elsewhere
+            found = found || run.tree.cards()->findConnector(model, cell.connectorIndex);
+        }
+        if (!found && !accepted.isEmpty())
+            run.report(site, folder,
+                       QStringLiteral("layout cell names connector %1 of slot %2; no card accepted there has "
+                                      "that connector")
+                           .arg(cell.connectorIndex)
+                           .arg(cell.slotIndex));
+    });
 }
 
 void crosscardModuleUnknown(RuleRun& run) {
