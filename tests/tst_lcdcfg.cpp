@@ -39,6 +39,10 @@ QString copyConfig(const QTemporaryDir& dir) {
 
 // Plants a fault in `path` (see plantedFaults).
 void plant(const QString& path, const QString& from, const QString& to) {
+    if (from == "mkdir") {
+        QVERIFY(QDir().mkpath(path));
+        return;
+    }
     if (from == "*") {
         QVERIFY(QFileInfo(path).isDir() ? QDir(path).removeRecursively() : QFile::remove(path));
         return;
@@ -96,7 +100,7 @@ private Q_SLOTS:
     }
 
     // One planted fault per row, each on a fresh copy of the shipped tree:
-    // `from` "*" removes `file`, an empty `from` writes `to` as the file,
+    // `from` "*" removes `file`, "mkdir" makes it a folder, an empty `from` writes `to` as the file,
     // otherwise every `from` becomes `to`; "|" plants it in several files;
     // file "<root>" renames the tree to `to`. Every "FILE:LINE:CODE" of
     // `expected` is reported, with that exit status, and nothing is created.
@@ -158,6 +162,7 @@ private Q_SLOTS:
             "<en>4U LCD Splicing Processor</en>", "", {"device/29974/29974_feature.xml:11:name-missing-en"},
             0);
         row("current device missing", "device/29974", "*", "", {"device:0:current-device-missing"}, 1);
+        row("empty model folder warns", "device/12345", "mkdir", "", {"device/12345:0:model-dir-empty"}, 0);
         row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);
         row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>", {"ui/checklist.xml:1:load"}, 1);
         row("missing HDR file warns", "func/hdr/lcdhdrinputconfig.xml", "*", "",

@@ -272,8 +272,14 @@ void hdrValueWithoutText(RuleRun& run) {
                     run.sites
                         .find(file, QStringLiteral("Key"), {{"Type", number(type)}, {"Value", number(value)}})
                         .value(0);
-                const QString what = QStringLiteral("HDR setting %1 value %2 has no display text");
-                if (!hasText(type, value)) run.report(key, load->inputs[i], what.arg(type).arg(value));
+                auto what = [](int setting, int v) {
+                    const char* names[] = {"bit depth", "dynamic range", "colour gamut"};
+                    return QStringLiteral("%1 value %2 (setting %3) has no display text")
+                        .arg(QLatin1String(setting >= 0 && setting < 3 ? names[setting] : "HDR"))
+                        .arg(v)
+                        .arg(setting);
+                };
+                if (!hasText(type, value)) run.report(key, load->inputs[i], what(type, value));
                 for (const auto& dependent : table) {
                     const int line = key ? key->line : 0;
                     const Site* info = nullptr;
@@ -286,7 +292,7 @@ void hdrValueWithoutText(RuleRun& run) {
                         for (const Site* s :
                              run.sites.find(file, QStringLiteral("SupportValue"), {{"#text", number(v)}}))
                             if (!at && s->line >= (info ? info->line : line)) at = s;
-                        run.report(at, load->inputs[i], what.arg(dependent.first).arg(v));
+                        run.report(at, load->inputs[i], what(dependent.first, v));
                     }
                 }
             }
