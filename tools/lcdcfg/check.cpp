@@ -159,7 +159,14 @@ QSet<int> loadAlone(const Tree& tree, Part part, const QString& file, Problems& 
     addLoadProblems(
         *alone.loadOf(part), sites,
         [&](const QString& document) { return document == linked ? name : QString(); }, name, problems);
-    return idsOf(alone, part, sites);
+    QSet<int> ids = idsOf(alone, part, sites);
+    // a card file that fails after naming its models loses those to the host too
+    if (part == Part::Cards && !alone.loadOf(part)->ok)
+        for (const Site* site :
+             sites.find([](const QString&) { return true; }, QStringLiteral("Subcard"), {}))
+            if (site->values.contains(QStringLiteral("ModelId")))
+                ids.insert(site->values.value(QStringLiteral("ModelId")).toInt());
+    return ids;
 }
 
 QString joined(QSet<int> ids) {
