@@ -1,8 +1,10 @@
 #pragma once
 
 // Where things were read: a load observer that remembers, per document, every
-// element whose attributes or text a reader took (with the values as written),
-// every child lookup that found nothing, and how each document was parsed.
+// element whose attributes or text a reader took (with the values stored),
+// every child lookup that found nothing, numbers that did not convert,
+// attributes and elements written a letter or two off the name looked for,
+// and how each document was parsed.
 // Records carry no positions; a rule finds the element an id came from here.
 
 #include <QtCore/QHash>
