@@ -12,6 +12,7 @@ using namespace LCD::ConfigModel;
 namespace {
 
 constexpr int kInputInterface = 2;
+constexpr int kMaxLines = 256; // rows and columns beyond are not drawn or searched for gaps
 
 // The most common value of `values` (the smallest of equally common ones); 0 when empty.
 int mostCommon(const QVector<int>& values) {
@@ -36,7 +37,7 @@ QVector<int> lineSizes(const std::vector<Screen::s_Cell>& cells, int count, int 
     for (const Screen::s_Cell& cell : cells)
         all << cell.*size;
     const int fallback = mostCommon(all);
-    QVector<int> sizes(std::max(count, 0), -1);
+    QVector<int> sizes(std::min(std::max(count, 0), kMaxLines), -1);
     for (const Screen::s_Cell& cell : cells) {
         const int i = cell.*index - 1;
         if (i >= 0 && i < sizes.size()) sizes[i] = std::max(sizes[i], cell.*size);
@@ -44,6 +45,34 @@ QVector<int> lineSizes(const std::vector<Screen::s_Cell>& cells, int count, int 
     for (int& s : sizes)
         if (s < 0) s = fallback;
     return sizes;
+}
+
+constexpr size_t kMaxCells = 256; // the area of more cells is not measured
+
+// The area of the frame that at least one cell covers (coordinate compression).
+qint64 coveredArea(const std::vector<Screen::s_Cell>& cells, const Frame& frame) {
+    if (cells.size() > kMaxCells) return qint64(frame.width) * frame.height;
+    auto clamp = [](qint64 v, qint64 hi) { return std::min(std::max(v, qint64(0)), hi); };
+    QVector<qint64> xs{0, frame.width};
+    QVector<qint64> ys{0, frame.height};
+    for (const Screen::s_Cell& c : cells) {
+        xs << clamp(c.x, frame.width) << clamp(qint64(c.x) + std::max(c.width, 0), frame.width);
+        ys << clamp(c.y, frame.height) << clamp(qint64(c.y) + std::max(c.height, 0), frame.height);
+    }
+    std::sort(xs.begin(), xs.end());
+    std::sort(ys.begin(), ys.end());
+    xs.erase(std::unique(xs.begin(), xs.end()), xs.end());
+    ys.erase(std::unique(ys.begin(), ys.end()), ys.end());
+    qint64 area = 0;
+    for (int i = 0; i + 1 < xs.size(); ++i)
+        for (int j = 0; j + 1 < ys.size(); ++j)
+            for (const Screen::s_Cell& c : cells)
+                if (c.x <= xs[i] && qint64(c.x) + c.width >= xs[i + 1] && c.y <= ys[j] &&
+                    qint64(c.y) + c.height >= ys[j + 1]) {
+                    area += (xs[i + 1] - xs[i]) * (ys[j + 1] - ys[j]);
+                    break;
+                }
+    return area;
 }
 
 QString cellName(int index, const Screen::s_Cell& cell) {
@@ -173,8 +202,8 @@ QVector<Finding> analyse(const Screen::s_Layout& layout, const Feeds& feeds) {
                      .arg(cards.join(QLatin1Char('/')))});
         }
     }
-    for (int row = 1; row <= layout.rows; ++row)
-        for (int column = 1; column <= layout.columns; ++column)
+    for (int row = 1; row <= std::min(layout.rows, kMaxLines); ++row)
+        for (int column = 1; column <= std::min(layout.columns, kMaxLines); ++column)
             if (!filled.contains({row, column}))
                 findings.push_back({Fault::Gap, -1, -1, row, column,
                                     QStringLiteral("no cell fills row %1, column %2 of the %3 x %4 grid")
@@ -182,6 +211,14 @@ QVector<Finding> analyse(const Screen::s_Layout& layout, const Feeds& feeds) {
                                         .arg(column)
                                         .arg(layout.rows)
                                         .arg(layout.columns)});
+    const qint64 covered = coveredArea(cells, frame);
+    if (covered < qint64(frame.width) * frame.height && cells.size() <= kMaxCells)
+        findings.push_back({Fault::Gap, -1, -1, 0, 0,
+                            QStringLiteral("the cells cover %1 of the %2 x %3 frame's %4 pixels")
+                                .arg(covered)
+                                .arg(frame.width)
+                                .arg(frame.height)
+                                .arg(qint64(frame.width) * frame.height)});
     return findings;
 }
 

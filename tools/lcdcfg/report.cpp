@@ -646,8 +646,8 @@ void Page::layoutPicture(const QString& id, const Screen::s_Layout& l,
     for (const layout::Finding& f : findings) {
         const ReportSites::Place place = placeOf(std::max(f.cell, 0));
         Problem p{place.document.isEmpty() ? QString() : m_tree.relative(place.document),
-                  f.cell >= 0 ? place.line : 0,
-                  f.cell >= 0 ? place.column : 0,
+                  place.line, // a layout-wide finding: at its first cell
+                  place.column,
                   f.fault == layout::Fault::Gap ? Severity::Warning : Severity::Error,
                   layout::code(f.fault),
                   QStringLiteral("screen %1: %2").arg(l.screenId).arg(f.text)};
