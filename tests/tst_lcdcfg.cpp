@@ -108,6 +108,9 @@ private Q_SLOTS:
                                          << "plug-in not found: /nonexistent.so";
         QTest::newRow("missing configuration") << QStringList{"check", "--config", "/nonexistent"} << 2
                                                << "no configuration directory /nonexistent";
+        QTest::newRow("report without output") << QStringList{"report"} << 2 << "-o FILE.html is required";
+        QTest::newRow("report in an unknown language")
+            << QStringList{"report", "-o", "-", "--locale", "fr"} << 2 << "--locale is en or zh_CN, not fr";
     }
 
     void usageErrors() {

@@ -138,6 +138,12 @@ private Q_SLOTS:
         const Run report = run(QStringLiteral(LCD_TOOL_PATH), {"report", root, "-o", page});
         QVERIFY2(report.code == (fault.isEmpty() ? 0 : 1), report.out + report.err);
         const QByteArray html = readAll(page);
+        if (fault.isEmpty()) { // names and labels in the other language
+            const Run chinese =
+                run(QStringLiteral(LCD_TOOL_PATH), {"report", root, "--locale", "zh_CN", "-o", "-"});
+            QVERIFY(chinese.out.contains("lang=\"zh-CN\"") && chinese.out.contains(">机箱</h3>") &&
+                    chinese.out.contains("2x2 拼接") && chinese.out.contains("4U液晶拼接处理器"));
+        }
 
         // self-contained: no script, no external resource, every link inside the page
         QVERIFY(!html.contains("<script") && !html.contains("<link") && !html.contains("src=") &&

@@ -210,6 +210,16 @@ QString text(const std::string& s) {
     return QString::fromStdString(s);
 }
 
+// `s` cut to about `width` Latin letters (a CJK character counts two).
+QString elide(const QString& s, int width) {
+    int used = 0;
+    for (int i = 0; i < s.size(); ++i) {
+        used += s[i].unicode() >= 0x2E80 ? 2 : 1;
+        if (used > width) return s.left(i) + QChar(0x2026);
+    }
+    return s;
+}
+
 QString number(double v) {
     return QString::number(v, 'g', 6);
 }
@@ -322,7 +332,9 @@ QByteArray Page::write() {
         m_x.setDevice(&b);
         open("body");
         element("h1", label(kTitle));
-        element("p", m_tree.root(), {{"class", "muted"}});
+        const QFileInfo root(m_tree.root()); // its last two folders: the page does not tell where it was made
+        element("p", QFileInfo(root.path()).fileName() + QLatin1Char('/') + root.fileName(),
+                {{"class", "muted"}});
         open("nav");
         if (m_tree.devices())
             for (int d = 0; d < m_tree.devices()->DeviceConfigs().size(); ++d)
@@ -516,7 +528,7 @@ void Page::chassis(const QString& id, const Devicecfg::s_Device& device) {
                      {"font-weight", content.placed ? "bold" : "normal"}});
             y += 14;
             const QString name = cardName(model);
-            element("text", name.size() > 19 ? name.left(18) + QChar(0x2026) : name,
+            element("text", elide(name, 20),
                     {{"x", QString::number(x + 8)}, {"y", QString::number(y)}, {"font-size", "10"}});
         }
         if (content.drawn)
