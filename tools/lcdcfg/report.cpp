@@ -528,7 +528,7 @@ void Page::chassis(const QString& id, const Devicecfg::s_Device& device) {
                      {"font-weight", content.placed ? "bold" : "normal"}});
             y += 14;
             const QString name = cardName(model);
-            element("text", elide(name, 20),
+            element("text", elide(name, 17),
                     {{"x", QString::number(x + 8)}, {"y", QString::number(y)}, {"font-size", "10"}});
         }
         if (content.drawn)
