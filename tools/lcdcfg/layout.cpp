@@ -123,15 +123,18 @@ Feeds feedsOf(const Slot::s_Slots& chassis, const std::vector<Subcard::s_Subcard
                     cards << accepted.moduleId;
             QVector<int>& known = feeds.cards[slot.index];
             QSet<int>& positions = feeds.positions[slot.index];
+            bool found = false;
             for (int model : cards) {
                 if (!known.contains(model)) known << model;
                 const auto card =
                     std::find_if(catalogue.begin(), catalogue.end(),
                                  [model](const Subcard::s_Subcard& c) { return c.modelId == model; });
                 if (card == catalogue.end()) continue;
+                found = true;
                 for (const Subcard::s_Connector& connector : card->connectors.connectors)
                     if (connector.interfaceType != kInputInterface) positions.insert(connector.position);
             }
+            if (!cards.isEmpty() && !found && positions.isEmpty()) feeds.unknown.insert(slot.index);
         }
     return feeds;
 }
@@ -184,6 +187,7 @@ QVector<Finding> analyse(const Screen::s_Layout& layout, const Feeds& feeds) {
                     {Fault::Overlap, i, j, 0, 0,
                      QStringLiteral("%1 overlaps %2 by %3 x %4").arg(name, cellName(j, d)).arg(w).arg(h)});
         }
+        if (feeds.unknown.contains(c.slotIndex)) continue; // the feed checks come last
         if (!feeds.isOutputSlot(c.slotIndex))
             findings.push_back({Fault::InputSlot, i, -1, 0, 0,
                                 QStringLiteral("%1 is fed from slot %2, which holds no output card")

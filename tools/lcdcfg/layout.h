@@ -58,12 +58,15 @@ struct Feeds {
     QHash<int, QSet<int>> positions;
     // slot index -> the card models considered for it (placed, else accepted)
     QHash<int, QVector<int>> cards;
+    // slots whose cards are none of the catalogue's: their feeds are unknown, not wrong
+    QSet<int> unknown;
     bool isOutputSlot(int slot) const { return !positions.value(slot).isEmpty(); }
 };
 
 // Feeds of a chassis: a slot's cards are the ones placed in it, else the ones
 // its group accepts; a connector feeds a screen unless it is an input
-// (interface type 2). A card missing from the catalogue feeds nothing.
+// (interface type 2). A slot none of whose cards the catalogue has is
+// unknown: its cells are not judged (the missing card is another finding).
 Feeds feedsOf(const LCD::ConfigModel::Slot::s_Slots& chassis,
               const std::vector<LCD::ConfigModel::Subcard::s_Subcard>& catalogue);
 

@@ -203,6 +203,7 @@ ul.findings { color: #b91c1c; margin: .3em 0; }
 .problem-warning td.sev { color: #b45309; font-weight: bold; }
 .menu ul { list-style: none; padding-left: 1.2em; border-left: 1px dotted #9ca3af; }
 .menu .key { color: #6b7280; font-size: 12px; }
+table.problems td a { white-space: nowrap; }
 .muted { color: #6b7280; }
 )";
 
@@ -852,8 +853,7 @@ void Page::menu() {
     element("h2", label(kMenu));
     if (m_tree.menu()) {
         open("ul");
-        for (const s_MenuItem* item : m_tree.menu()->rootMenuItem()->children)
-            menuItem(item, 0);
+        menuItem(m_tree.menu()->rootMenuItem(), 0);
         close();
     }
     close();
