@@ -138,9 +138,9 @@ private Q_SLOTS:
         row("connector type without description", "subcard/2103_dp12_2in.xml", "Type=\"8\"", "Type=\"9\"",
             {"subcard/2103_dp12_2in.xml:17:connector-type-undescribed"}, 1);
         row("layout cell on an input slot", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"1\"",
-            "SlotIndex=\"1\" ConnectorIndex=\"1\"", {mosaic + ":26:cell-slot-not-output"}, 1);
+            "SlotIndex=\"1\" ConnectorIndex=\"1\"", {mosaic + ":26:layout-slot"}, 1);
         row("layout cell on an absent connector", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"4\"",
-            "SlotIndex=\"5\" ConnectorIndex=\"9\"", {mosaic + ":29:cell-connector-absent"}, 1);
+            "SlotIndex=\"5\" ConnectorIndex=\"9\"", {mosaic + ":29:layout-connector"}, 1);
         row("cross-card member of an unknown card", "device/29974/29974_crosscard.xml",
             "ModuleId=\"2101\" Slot=\"2\"", "ModuleId=\"2109\" Slot=\"2\"",
             {"device/29974/29974_crosscard.xml:22:crosscard-module-unknown"}, 1);
@@ -255,6 +255,9 @@ private Q_SLOTS:
                                                << "no configuration directory /nonexistent";
         QTest::newRow("two roots") << QStringList{"check", "a", "b"} << 2 << "one ROOT at most";
         QTest::newRow("unknown option") << QStringList{"check", "--frobnicate"} << 2 << "Unknown option";
+        QTest::newRow("report without output") << QStringList{"report"} << 2 << "-o FILE.html is required";
+        QTest::newRow("report in an unknown language")
+            << QStringList{"report", "-o", "-", "--locale", "fr"} << 2 << "--locale is en or zh_CN, not fr";
     }
 
     void usageErrors() {

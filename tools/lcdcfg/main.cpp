@@ -16,6 +16,8 @@ struct Verb {
 const Verb kVerbs[] = {
     {"plugin", lcdcfg::runPlugin, "print the plug-in record and its components"},
     {"check", lcdcfg::runCheck, "load every component of a configuration tree and report every problem"},
+    {"report", lcdcfg::runReport,
+     "write an HTML page that draws the chassis, the screen layouts and the menu"},
 };
 
 int usage(QTextStream& stream, int code) {

@@ -4,7 +4,8 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
-#include <array>
+
+#include "tools/lcdcfg/layout.h"
 
 namespace lcdcfg {
 
@@ -19,11 +20,6 @@ QString number(qint64 n) {
     return QString::number(n);
 }
 
-std::array<const Slot::s_SlotAttr*, 7> slotGroups(const Slot::s_Slots& s) {
-    return {&s.mainControlCardSlots, &s.mixCardSlots, &s.inputCardSlots, &s.outputCardSlots,
-            &s.mvrCardSlots,         &s.auxCardSlots, &s.expCardSlots};
-}
-
 // ---- slots, cards and connectors ------------------------------------------
 
 void cardUnknown(RuleRun& run) {
@@ -35,10 +31,10 @@ void cardUnknown(RuleRun& run) {
             run.report(run.first(folder, QStringLiteral("Subcard"), {{"ModuleId", number(id)}}), folder,
                        QStringLiteral("card model %1 is not in the card catalogue").arg(id));
         };
-        for (const Slot::s_SlotAttr* group : slotGroups(device.slot.slots)) {
-            for (const Slot::s_Subcard& card : group->subcards)
+        for (const layout::SlotGroup& group : layout::slotGroups(device.slot.slots)) {
+            for (const Slot::s_Subcard& card : group.attr->subcards)
                 check(card.moduleId);
-            for (const Slot::s_Slot& slot : group->slots)
+            for (const Slot::s_Slot& slot : group.attr->slots)
                 for (const Slot::s_InlineSubcard& card : slot.subcards)
                     check(card.moduleId);
         }
@@ -73,74 +69,44 @@ void connectorTypeUndescribed(RuleRun& run) {
     }
 }
 
-// The output slots of a model with the card models each accepts: the output
-// group's slots, and mixed slots whose placed card has an output connector.
-QHash<int, QVector<int>> outputSlots(const RuleRun& run, const Slot::s_Slots& slots) {
-    QHash<int, QVector<int>> out;
-    QVector<int> accepted;
-    for (const Slot::s_Subcard& card : slots.outputCardSlots.subcards)
-        accepted << card.moduleId;
-    for (const Slot::s_Slot& slot : slots.outputCardSlots.slots)
-        out.insert(slot.index, accepted);
-    for (const Slot::s_Slot& slot : slots.mixCardSlots.slots)
-        for (const Slot::s_InlineSubcard& placed : slot.subcards)
-            for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig())
-                if (card.modelId == placed.moduleId)
-                    for (const Subcard::s_Connector& c : card.connectors.connectors)
-                        if (c.interfaceType == 1 && !out.value(slot.index).contains(placed.moduleId))
-                            out[slot.index] << placed.moduleId;
-    return out;
-}
-
-// Calls `check` with every layout cell of every model whose slot file was
-// read, the model's output slots, and the cell's site.
-template <class Check> void forEachCell(RuleRun& run, Check check) {
+// Every layout of every model whose slot file was read, judged the one way
+// the report draws it (tools/lcdcfg/layout.h): overlaps, cells outside the
+// frame or the grid, gaps, and cells a model cannot feed. Each finding keeps
+// its own code and severity (gaps only warn).
+void layoutCells(RuleRun& run) {
     if (!run.tree.cards() || !run.tree.devices()) return;
+    const std::vector<Subcard::s_Subcard> catalogue = run.tree.cards()->subcardConfig();
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
         if (device.slot == Slot::s_VrnSolt{}) continue; // no slot file read: reported as such
         const QString folder = run.modelFolder(device.modelId);
-        const QHash<int, QVector<int>> outputs = outputSlots(run, device.slot.slots);
+        layout::Feeds feeds = layout::feedsOf(device.slot.slots, catalogue);
+        for (int lost : qAsConst(run.lostCards)) // a card the host loses is reported once, as lost
+            for (auto it = feeds.cards.cbegin(); it != feeds.cards.cend(); ++it)
+                if (it.value().contains(lost)) feeds.unknown.insert(it.key());
         for (const Screen::s_VrnScreen& screen : device.screens)
             for (const Screen::s_DeviceMode& mode : screen.deviceModes)
                 for (const Screen::s_Templete& templete : mode.templetes)
-                    for (const Screen::s_Layout& layout : templete.layouts)
-                        for (const Screen::s_Cell& cell : layout.cells)
-                            check(device, folder, outputs, cell,
-                                  run.first(folder, QStringLiteral("Cell"),
-                                            {{"SlotIndex", number(cell.slotIndex)},
-                                             {"ConnectorIndex", number(cell.connectorIndex)}}));
+                    for (const Screen::s_Layout& l : templete.layouts)
+                        for (const layout::Finding& f : layout::analyse(l, feeds)) {
+                            const Screen::s_Cell& cell = l.cells[size_t(std::max(f.cell, 0))];
+                            const Site* site =
+                                l.cells.empty()
+                                    ? nullptr
+                                    : run.first(folder, QStringLiteral("Cell"),
+                                                {{"SlotIndex", number(cell.slotIndex)},
+                                                 {"ConnectorIndex", number(cell.connectorIndex)}});
+                            run.report(
+                                site, folder,
+                                QStringLiteral("model %1, screen type %2, device mode %3, screen %4: %5")
+                                    .arg(device.modelId)
+                                    .arg(screen.type)
+                                    .arg(mode.value)
+                                    .arg(l.screenId)
+                                    .arg(f.text),
+                                layout::code(f.fault),
+                                f.fault == layout::Fault::Gap ? Severity::Warning : Severity::Error);
+                        }
     }
-}
-
-void cellSlotNotOutput(RuleRun& run) {
-    forEachCell(run, [&](const Devicecfg::s_Device& device, const QString& folder,
-                         const QHash<int, QVector<int>>& outputs, const Screen::s_Cell& cell,
-                         const Site* site) {
-        if (!outputs.contains(cell.slotIndex))
-            run.report(site, folder,
-                       QStringLiteral("layout cell names slot %1, which is not an output slot of model %2")
-                           .arg(cell.slotIndex)
-                           .arg(device.modelId));
-    });
-}
-
-void cellConnectorAbsent(RuleRun& run) {
-    forEachCell(run, [&](const Devicecfg::s_Device&, const QString& folder,
-                         const QHash<int, QVector<int>>& outputs, const Screen::s_Cell& cell,
-                         const Site* site) {
-        const QVector<int> accepted = outputs.value(cell.slotIndex);
-        bool found = false;
-        for (int model : accepted) {
-            if (!run.knownCard(model) || run.lostCards.contains(model)) return; // reported elsewhere
-            found = found || run.tree.cards()->findConnector(model, cell.connectorIndex);
-        }
-        if (!found && !accepted.isEmpty())
-            run.report(site, folder,
-                       QStringLiteral("layout cell names connector %1 of slot %2; no card accepted there has "
-                                      "that connector")
-                           .arg(cell.connectorIndex)
-                           .arg(cell.slotIndex));
-    });
 }
 
 void crosscardModuleUnknown(RuleRun& run) {
@@ -430,8 +396,7 @@ void modelDirEmpty(RuleRun& run) {
 const Rule kRules[] = {
     {"card-unknown", Severity::Error, cardUnknown},
     {"connector-type-undescribed", Severity::Error, connectorTypeUndescribed},
-    {"cell-slot-not-output", Severity::Error, cellSlotNotOutput},
-    {"cell-connector-absent", Severity::Error, cellConnectorAbsent},
+    {"layout-*", Severity::Error, layoutCells},
     {"crosscard-module-unknown", Severity::Error, crosscardModuleUnknown},
     {"printkey-model-unknown", Severity::Error, printkeyModelUnknown},
     {"menu-empty", Severity::Error, menuEmptyRule},
@@ -462,14 +427,19 @@ const Site* RuleRun::missingSite(const QString& document, const QString& name) {
 }
 
 void RuleRun::report(const Site* site, const QString& file, const QString& text) {
+    report(site, file, text, QLatin1String(rule->code), rule->severity);
+}
+
+void RuleRun::report(const Site* site, const QString& file, const QString& text, const QString& code,
+                     Severity severity) {
     Problem problem;
     problem.file = tree.relative(site ? site->document : QDir(tree.root()).absoluteFilePath(file));
     if (site) {
         problem.line = site->line;
         problem.column = site->column;
     }
-    problem.severity = rule->severity;
-    problem.code = QLatin1String(rule->code);
+    problem.severity = severity;
+    problem.code = code;
     problem.text = text;
     m_problems.add(problem);
 }

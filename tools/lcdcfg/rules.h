@@ -32,6 +32,9 @@ public:
 
     // Reports at `site`, else at line 0 of `file` (absolute, or relative to the root).
     void report(const Site* site, const QString& file, const QString& text);
+    // The same for a rule whose findings carry their own code and severity.
+    void report(const Site* site, const QString& file, const QString& text, const QString& code,
+                Severity severity);
     // Documents under a folder of the root ("subcard", "device/29974"), or one file.
     std::function<bool(const QString&)> under(const QString& folder) const;
     std::function<bool(const QString&)> is(const QString& document) const;
