@@ -1,0 +1,109 @@
+// lcdcfg show, dump and diff, run as a user runs them: their output on the
+// shipped configuration against golden files under tests/data/lcdcfg/
+// (LCD_UPDATE_GOLDEN=1 rewrites them), the JSON dump read back, and the diff
+// of the shipped tree against a copy with planted changes.
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtTest/QtTest>
+
+#include "testutil.h"
+
+namespace {
+
+struct Run {
+    int code;
+    QByteArray out;
+    QString err;
+};
+
+Run lcdcfg(const QStringList& args) {
+    QProcess process;
+    process.start(QStringLiteral(LCD_TOOL_PATH), args);
+    process.waitForFinished(60000);
+    return {process.exitCode(), process.readAllStandardOutput(),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+const QString kGolden = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/");
+
+// Compares `actual` with the golden file `name`; on a mismatch the message
+// is the unified diff (golden first).
+QString compareGolden(const QString& name, const QByteArray& actual) {
+    const QString path = kGolden + name;
+    if (qEnvironmentVariableIntValue("LCD_UPDATE_GOLDEN") == 1) {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return "cannot write " + path;
+        file.write(actual);
+        return {};
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return "no golden file " + path + " (LCD_UPDATE_GOLDEN=1 makes it)";
+    if (file.readAll() == actual) return {};
+    QTemporaryDir dir;
+    const QString actualPath = test::writeFile(dir, name, actual);
+    QProcess diff;
+    diff.start(QStringLiteral("diff"), {"-u", path, actualPath});
+    diff.waitForFinished();
+    return QString::fromUtf8(diff.readAllStandardOutput());
+}
+
+} // namespace
+
+class LcdcfgShowTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void goldenOutputs_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("golden");
+        QTest::newRow("dump key-check")
+            << QStringList{"dump", "--json", "key-check"} << "dump-key-check.json";
+        QTest::newRow("dump print-keys")
+            << QStringList{"dump", "--json", "print-keys"} << "dump-print-keys.json";
+    }
+
+    void goldenOutputs() {
+        QFETCH(QStringList, args);
+        QFETCH(QString, golden);
+        const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
+        QVERIFY2(run.code == 0, qPrintable(run.err));
+        const QString mismatch = compareGolden(golden, run.out);
+        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+    }
+
+    // The whole dump parses and names every record of the shipped tree.
+    void dumpNamesEveryRecord() {
+        const Run run = lcdcfg({"dump", "--json", "--root", test::sharedConfig(QString())});
+        QCOMPARE(run.code, 0);
+        QJsonParseError error;
+        const QJsonObject dump = QJsonDocument::fromJson(run.out, &error).object();
+        QVERIFY2(error.error == QJsonParseError::NoError, qPrintable(error.errorString()));
+        auto ids = [](const QJsonArray& array, const QString& key) {
+            QList<int> list;
+            for (const QJsonValue& v : array)
+                list << v[key].toInt();
+            return list;
+        };
+        const QJsonObject devices = dump["devices"].toObject();
+        QCOMPARE(devices["currentModelId"].toInt(), 29974);
+        QCOMPARE(ids(devices["models"].toArray(), "modelId"), QList<int>{29974});
+        const QJsonObject model = devices["models"][0].toObject();
+        QCOMPARE(model["screens"].toArray().size(), 2);
+        QCOMPARE(model["layers"].toArray().size(), 2);
+        QCOMPARE(model["feature"]["enName"].toString(), QString("4U LCD Splicing Processor"));
+        QCOMPARE(ids(dump["cards"].toArray(), "modelId"),
+                 (QList<int>{1001, 2101, 2102, 2103, 2104, 3101, 2201}));
+        QCOMPARE(ids(dump["connectors"].toArray(), "type"), (QList<int>{2, 6, 8, 13}));
+        QVERIFY(!dump["menu"]["children"].toArray().isEmpty());
+        QCOMPARE(dump["hdr"]["auto"]["bitDepth"].toInt(), 8);
+        QVERIFY(!dump["hdr"]["input"].toArray().isEmpty() && !dump["hdr"]["output"].toArray().isEmpty());
+        QVERIFY(!dump["key-check"].toArray().isEmpty());
+        QCOMPARE(dump["print-keys"][0]["deviceModelId"].toInt(), 29974);
+    }
+};
+
+QTEST_GUILESS_MAIN(LcdcfgShowTest)
+#include "tst_lcdcfg_show.moc"
