@@ -50,6 +50,36 @@ QString compareGolden(const QString& name, const QByteArray& actual) {
     return QString::fromUtf8(diff.readAllStandardOutput());
 }
 
+// A copy of the shipped configuration under `dir`/config with a few changes
+// planted: each replaces the first `from` in `file` by `to`.
+struct Plant {
+    const char* file;
+    const char* from;
+    const char* to;
+};
+QString plantedCopy(const QTemporaryDir& dir, std::initializer_list<Plant> plants) {
+    const QString source = test::sharedConfig(QString());
+    const QString target = dir.filePath(QStringLiteral("config"));
+    QDirIterator it(source, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        const QString copy = target + "/" + QDir(source).relativeFilePath(file);
+        QDir().mkpath(QFileInfo(copy).absolutePath());
+        QFile::copy(file, copy);
+    }
+    for (const Plant& plant : plants) {
+        QFile file(target + "/" + plant.file);
+        if (!file.open(QIODevice::ReadOnly)) qFatal("no %s in the shipped tree", plant.file);
+        QByteArray content = file.readAll();
+        const int at = content.indexOf(plant.from);
+        if (at < 0) qFatal("%s no longer holds %s", plant.file, plant.from);
+        content.replace(at, qstrlen(plant.from), plant.to);
+        file.close();
+        test::writeFile(dir, QStringLiteral("config/") + plant.file, content);
+    }
+    return target;
+}
+
 } // namespace
 
 class LcdcfgShowTest : public QObject {
@@ -102,6 +132,46 @@ private Q_SLOTS:
         QVERIFY(!dump["hdr"]["input"].toArray().isEmpty() && !dump["hdr"]["output"].toArray().isEmpty());
         QVERIFY(!dump["key-check"].toArray().isEmpty());
         QCOMPARE(dump["print-keys"][0]["deviceModelId"].toInt(), 29974);
+    }
+
+    // A slot gained, a card connector lost, a resolution no longer disabled
+    // and a feature default changed: one sentence each, in the records' terms.
+    void diffNamesPlantedChanges() {
+        QTemporaryDir dir;
+        const QString changed = plantedCopy(
+            dir,
+            {{"device/29974/29974_slot.xml", R"(<Slot Index="10"/>)",
+              R"(<Slot Index="10"/><Slot Index="11"/>)"},
+             {"subcard/2102_dvi_4in.xml",
+              R"(<Connector Type="2" InterfaceType="2" Position="4" Enable="1" PrintKeyNo="4" Visible="1" )"
+              R"(CapacityMode="0" WorkMode="0" BackupPos="0"/>)",
+              ""},
+             {"connector/connector_hdmi20.xml",
+              R"(<Resolution Width="4096" Height="2160" RefreshRate="6000" Coefficient="0.01"/>)", ""},
+             {"device/29974/29974_feature.xml",
+              "<Genlock Support=\"1\" Editable=\"1\">\n        <Type Support=\"1\" Editable=\"1\" "
+              "DataType=\"0\" Value=\"0\">",
+              "<Genlock Support=\"1\" Editable=\"1\">\n        <Type Support=\"1\" Editable=\"1\" "
+              "DataType=\"0\" Value=\"1\">"}});
+        const QString shipped = test::sharedConfig(QString());
+        const Run same = lcdcfg({"diff", shipped, shipped});
+        QCOMPARE(same.code, 0);
+        QCOMPARE(same.out, QByteArray("no differences\n"));
+
+        const Run text = lcdcfg({"diff", shipped, changed});
+        QCOMPARE(text.code, 1);
+        const QString mismatch = compareGolden("diff-planted.txt", text.out);
+        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+
+        const Run json = lcdcfg({"diff", "--json", shipped, changed});
+        QCOMPARE(json.code, 1);
+        const QJsonObject changes = QJsonDocument::fromJson(json.out).object();
+        QCOMPARE(changes["count"].toInt(), 4);
+        QStringList paths;
+        for (const QJsonValue& change : changes["changes"].toArray())
+            paths << change["kind"].toString() + " " + change["path"].toString();
+        QVERIFY2(paths.contains("added /devices/models/29974/slot/slots/mixCardSlots/slots/11"),
+                 qPrintable(paths.join('\n')));
     }
 };
 

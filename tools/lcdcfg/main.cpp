@@ -17,6 +17,7 @@ const Verb kVerbs[] = {
     {"plugin", lcdcfg::runPlugin, "print the plug-in record and its components"},
     {"check", lcdcfg::runCheck, "load every component of a configuration tree and report every problem"},
     {"dump", lcdcfg::runDump, "every loaded record as JSON"},
+    {"diff", lcdcfg::runDiff, "what changed between two configuration trees, record by record"},
 };
 
 int usage(QTextStream& stream, int code) {
