@@ -89,6 +89,14 @@ private Q_SLOTS:
     void goldenOutputs_data() {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QString>("golden");
+        QTest::newRow("show device") << QStringList{"show", "device", "--locale", "en"} << "show-device.txt";
+        QTest::newRow("show card") << QStringList{"show", "card", "2201"} << "show-card-2201.txt";
+        QTest::newRow("show connector")
+            << QStringList{"show", "connector", "6", "--interface", "2", "--mode", "2"}
+            << "show-connector-6.txt";
+        QTest::newRow("show menu") << QStringList{"show", "menu"} << "show-menu.txt";
+        QTest::newRow("show hdr") << QStringList{"show", "hdr"} << "show-hdr.txt";
+        QTest::newRow("show keys") << QStringList{"show", "keys"} << "show-keys.txt";
         QTest::newRow("dump key-check")
             << QStringList{"dump", "--json", "key-check"} << "dump-key-check.json";
         QTest::newRow("dump print-keys")
@@ -102,6 +110,33 @@ private Q_SLOTS:
         QVERIFY2(run.code == 0, qPrintable(run.err));
         const QString mismatch = compareGolden(golden, run.out);
         QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+    }
+
+    void answersAndRefusals_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("Chinese type name") << QStringList{"show", "device", "--locale", "zh_CN"} << 0
+                                           << "type name         4U液晶拼接处理器";
+        QTest::newRow("unknown locale")
+            << QStringList{"show", "device", "--locale", "fr"} << 2 << "--locale is en or zh_CN, not fr";
+        QTest::newRow("unknown card") << QStringList{"show", "card", "9"} << 1 << "no card model 9";
+        QTest::newRow("unknown connector type")
+            << QStringList{"show", "connector", "5"} << 1 << "no connector type 5";
+        QTest::newRow("unknown subject") << QStringList{"show", "screens"} << 2 << "cannot show screens";
+        QTest::newRow("unknown component")
+            << QStringList{"dump", "--json", "screens"} << 2 << "unknown component screens";
+        QTest::newRow("one tree") << QStringList{"diff", "a"} << 2 << "two configuration trees expected";
+    }
+
+    void answersAndRefusals() {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QString, text);
+        const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
+        QCOMPARE(run.code, code);
+        QVERIFY2((QString::fromUtf8(run.out) + run.err).contains(text),
+                 qPrintable(QString::fromUtf8(run.out) + run.err));
     }
 
     // The whole dump parses and names every record of the shipped tree.

@@ -58,6 +58,7 @@ private:
 // The verbs, one source file each.
 int runPlugin(const QStringList& args);
 int runCheck(const QStringList& args);
+int runShow(const QStringList& args);
 int runDump(const QStringList& args);
 int runDiff(const QStringList& args);
 

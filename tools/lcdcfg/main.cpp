@@ -16,6 +16,7 @@ struct Verb {
 const Verb kVerbs[] = {
     {"plugin", lcdcfg::runPlugin, "print the plug-in record and its components"},
     {"check", lcdcfg::runCheck, "load every component of a configuration tree and report every problem"},
+    {"show", lcdcfg::runShow, "what a model, card, connector type, the menu, HDR or the keys offer"},
     {"dump", lcdcfg::runDump, "every loaded record as JSON"},
     {"diff", lcdcfg::runDiff, "what changed between two configuration trees, record by record"},
 };
