@@ -13,19 +13,8 @@
 
 namespace {
 
-struct Run {
-    int code;
-    QByteArray out;
-    QString err;
-};
-
-Run lcdcfg(const QStringList& args) {
-    QProcess process;
-    process.start(QStringLiteral(LCD_TOOL_PATH), args);
-    process.waitForFinished(60000);
-    return {process.exitCode(), process.readAllStandardOutput(),
-            QString::fromUtf8(process.readAllStandardError())};
-}
+using test::lcdcfg;
+using test::Run;
 
 const QString kGolden = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/");
 
@@ -108,7 +97,7 @@ private Q_SLOTS:
         QFETCH(QString, golden);
         const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
         QVERIFY2(run.code == 0, qPrintable(run.err));
-        const QString mismatch = compareGolden(golden, run.out);
+        const QString mismatch = compareGolden(golden, run.out.toUtf8());
         QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
     }
 
@@ -135,8 +124,7 @@ private Q_SLOTS:
         QFETCH(QString, text);
         const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
         QCOMPARE(run.code, code);
-        QVERIFY2((QString::fromUtf8(run.out) + run.err).contains(text),
-                 qPrintable(QString::fromUtf8(run.out) + run.err));
+        QVERIFY2((run.out + run.err).contains(text), qPrintable(run.out + run.err));
     }
 
     // The whole dump parses and names every record of the shipped tree.
@@ -144,7 +132,7 @@ private Q_SLOTS:
         const Run run = lcdcfg({"dump", "--json", "--root", test::sharedConfig(QString())});
         QCOMPARE(run.code, 0);
         QJsonParseError error;
-        const QJsonObject dump = QJsonDocument::fromJson(run.out, &error).object();
+        const QJsonObject dump = QJsonDocument::fromJson(run.out.toUtf8(), &error).object();
         QVERIFY2(error.error == QJsonParseError::NoError, qPrintable(error.errorString()));
         auto ids = [](const QJsonArray& array, const QString& key) {
             QList<int> list;
@@ -191,16 +179,16 @@ private Q_SLOTS:
         const QString shipped = test::sharedConfig(QString());
         const Run same = lcdcfg({"diff", shipped, shipped});
         QCOMPARE(same.code, 0);
-        QCOMPARE(same.out, QByteArray("no differences\n"));
+        QCOMPARE(same.out, QString("no differences\n"));
 
         const Run text = lcdcfg({"diff", shipped, changed});
         QCOMPARE(text.code, 1);
-        const QString mismatch = compareGolden("diff-planted.txt", text.out);
+        const QString mismatch = compareGolden("diff-planted.txt", text.out.toUtf8());
         QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
 
         const Run json = lcdcfg({"diff", "--json", shipped, changed});
         QCOMPARE(json.code, 1);
-        const QJsonObject changes = QJsonDocument::fromJson(json.out).object();
+        const QJsonObject changes = QJsonDocument::fromJson(json.out.toUtf8()).object();
         QCOMPARE(changes["count"].toInt(), 4);
         QStringList paths;
         for (const QJsonValue& change : changes["changes"].toArray())
