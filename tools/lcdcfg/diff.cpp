@@ -182,8 +182,11 @@ private:
             }
             return;
         }
-        for (int i = 0; i < ia.size(); ++i)
-            member(a[i], b[ib.indexOf(ia[i])], at, label + QLatin1Char(' ') + ia[i], ia[i]);
+        for (int i = 0; i < ia.size(); ++i) {
+            const int j = ib.indexOf(ia[i]);
+            member(a[i], j < 0 ? QJsonValue(QJsonValue::Undefined) : b[j], at,
+                   label + QLatin1Char(' ') + ia[i], ia[i]);
+        }
         for (int i = 0; i < ib.size(); ++i)
             if (!ia.contains(ib[i]))
                 member(QJsonValue::Undefined, b[i], at, label + QLatin1Char(' ') + ib[i], ib[i]);
@@ -198,7 +201,7 @@ private:
                               QStringLiteral("%1: order of %2s %3 -> %4")
                                   .arg(at.where(false), label, common.join(QLatin1Char(' ')),
                                        commonAfter.join(QLatin1Char(' '))),
-                              QJsonValue(), QJsonValue()};
+                              QJsonValue(QJsonValue::Undefined), QJsonValue(QJsonValue::Undefined)};
     }
 
     // One member of a list in either tree (Undefined when it is not there).

@@ -236,8 +236,6 @@ QJsonValue menuNode(const MenuConfigInterface& menu, const s_MenuItem& item) {
     return o;
 }
 
-const char* const kHdrSettings[] = {"bitDepth", "dynamicRange", "colorGamut"};
-
 QJsonObject texts(const QHash<int, QString>& table) {
     QJsonObject o;
     for (auto it = table.begin(); it != table.end(); ++it)
@@ -251,7 +249,7 @@ QJsonValue hdr(IHDRConfig& h) {
         every.push_back(v);
     QJsonObject textTables;
     for (int type = HDRBitDepth; type <= HDRColorGamut; ++type)
-        textTables.insert(QLatin1String(kHdrSettings[type]), texts(h.getKeyValue(type, every)));
+        textTables.insert(QLatin1String(hdrSettingName(type)), texts(h.getKeyValue(type, every)));
     QHash<int, QString> colorSpaces;
     const auto spaces = h.getColorSpaceString();
     for (auto it = spaces.begin(); it != spaces.end(); ++it)
@@ -333,6 +331,11 @@ QJsonValue toJson(const s_MenuFCItem& item) {
 }
 QJsonValue toJson(const Connector::s_resolutionResolutionRatio& resolution) {
     return value(resolution);
+}
+
+const char* hdrSettingName(int type) {
+    static const char* const names[] = {"bitDepth", "dynamicRange", "colorGamut"};
+    return type >= HDRBitDepth && type <= HDRColorGamut ? names[type] : "";
 }
 
 QVector<int> connectorTypes(const ConnectorConfigInterface& connectors) {

@@ -33,6 +33,10 @@ QJsonValue toJson(const LCD::ConfigModel::Connector::s_resolutionResolutionRatio
 // The connector type numbers the connector catalogue answers for (0-63).
 QVector<int> connectorTypes(const LCD::ConfigModel::ConnectorConfigInterface& connectors);
 
+// The HDR settings by number, as the dump names them: "bitDepth" (0),
+// "dynamicRange" (1), "colorGamut" (2).
+const char* hdrSettingName(int type);
+
 // One part as the interfaces show it (see docs/lcdcfg-show.md for the shape);
 // Null when the part was not loaded. Print keys need the device models and
 // the cards loaded too: they are asked per device model and card model.

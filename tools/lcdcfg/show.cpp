@@ -148,8 +148,9 @@ int showDevice(const Tree& tree, const QStringList& args) {
                 for (const Screen::s_Layout& l : t.layouts)
                     sizes << QStringLiteral("%1x%2").arg(l.rows).arg(l.columns);
                 sizes.removeDuplicates();
-                templates << text(t.name.en) + QLatin1Char('\t') +
-                                 QStringLiteral("%1 (%2)").arg(t.layouts.size()).arg(sizes.join(QLatin1Char(' ')));
+                templates
+                    << text(t.name.en) + QLatin1Char('\t') +
+                           QStringLiteral("%1 (%2)").arg(t.layouts.size()).arg(sizes.join(QLatin1Char(' ')));
             }
             if (templates.isEmpty()) templates << QStringLiteral("-\t-");
             for (const QString& t : templates)
@@ -197,8 +198,8 @@ int showCard(const Tree& tree, const QStringList& args) {
     about.add({QStringLiteral("interlaced max"), num(card->interlacedMaxCount)});
     about.add({QStringLiteral("sections"),
                joined(card->sections, [](const Subcard::s_Section& s) { return num(s.code); })});
-    about.add({QStringLiteral("pairs with"), joined(card->associations, [&](const Subcard::s_Association& a) {
-                   return cards.isAssociationSubcard(model, a.modelId) ? num(a.modelId) : QString();
+    about.add({QStringLiteral("pairs with"), joined(card->associations, [](const Subcard::s_Association& a) {
+                   return QStringLiteral("%1 (mode %2)").arg(a.modelId).arg(a.cardMode);
                })});
     about.print(out(), QStringLiteral("card %1").arg(model));
 
@@ -432,13 +433,11 @@ int showMenu(const Tree& tree) {
     return kClean;
 }
 
-const char* const kHdrSettings[] = {"bitDepth", "dynamicRange", "colorGamut"};
-
 int showHdr(const Tree& tree) {
     const QJsonObject hdr = dumpPart(tree, Part::Hdr).toObject();
     const QJsonObject texts = hdr[QLatin1String("texts")].toObject();
     auto textOf = [&](int setting, int value) {
-        return texts[QLatin1String(kHdrSettings[setting])][num(value)].toString();
+        return texts[QLatin1String(hdrSettingName(setting))][num(value)].toString();
     };
     Table values({QStringLiteral("SETTING"), QStringLiteral("VALUE"), QStringLiteral("TEXT")});
     for (auto it = texts.begin(); it != texts.end(); ++it) {
@@ -454,8 +453,8 @@ int showHdr(const Tree& tree) {
 
     Table autos({QStringLiteral("SETTING"), QStringLiteral("AUTO"), QStringLiteral("TEXT")});
     for (int s = 0; s < 3; ++s) {
-        const int v = hdr[QLatin1String("auto")][QLatin1String(kHdrSettings[s])].toInt();
-        autos.add({QLatin1String(kHdrSettings[s]), num(v), textOf(s, v)});
+        const int v = hdr[QLatin1String("auto")][QLatin1String(hdrSettingName(s))].toInt();
+        autos.add({QLatin1String(hdrSettingName(s)), num(v), textOf(s, v)});
     }
     autos.print(out(), QStringLiteral("\nAUTO without a detected value resolves to"));
 
@@ -467,8 +466,8 @@ int showHdr(const Tree& tree) {
             const int value = key[QLatin1String("key")][QLatin1String("value")].toInt();
             for (const QJsonValue& o : key[QLatin1String("options")].toArray()) {
                 const int dependent = o[QLatin1String("type")].toInt();
-                options.add({QLatin1String(kHdrSettings[type]), textOf(type, value),
-                             QLatin1String(kHdrSettings[dependent]),
+                options.add({QLatin1String(hdrSettingName(type)), textOf(type, value),
+                             QLatin1String(hdrSettingName(dependent)),
                              joined(
                                  o[QLatin1String("values")].toArray(),
                                  [&](const QJsonValue& v) { return textOf(dependent, v.toInt()); },
