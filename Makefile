@@ -28,6 +28,7 @@ build-asan: deps
 
 demo: build
 	./build/tools/lcdcfg check --config $(CONFIG)
+	./build/tools/lcdcfg show device --root $(CONFIG)
 
 test-plain: build
 	cd build && ctest --output-on-failure -j $(JOBS)

@@ -6,6 +6,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QList>
+#include <QtCore/QProcess>
 #include <QtCore/QString>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
@@ -32,6 +33,21 @@ inline QDomDocument document(const QByteArray& xml) {
     QString error;
     if (!doc.setContent(xml, true, &error)) qFatal("test XML is not well-formed: %s", qPrintable(error));
     return doc;
+}
+
+// One run of the built lcdcfg: exit code, standard output and error.
+struct Run {
+    int code;
+    QString out;
+    QString err;
+};
+
+inline Run lcdcfg(const QStringList& args) {
+    QProcess process;
+    process.start(QStringLiteral(LCD_TOOL_PATH), args);
+    process.waitForFinished(60000);
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
 }
 
 // Writes `content` to `dir/relative` (parents created) and returns the path.

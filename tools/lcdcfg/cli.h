@@ -59,5 +59,8 @@ private:
 int runPlugin(const QStringList& args);
 int runCheck(const QStringList& args);
 int runReport(const QStringList& args);
+int runShow(const QStringList& args);
+int runDump(const QStringList& args);
+int runDiff(const QStringList& args);
 
 } // namespace lcdcfg

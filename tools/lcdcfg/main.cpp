@@ -18,6 +18,9 @@ const Verb kVerbs[] = {
     {"check", lcdcfg::runCheck, "load every component of a configuration tree and report every problem"},
     {"report", lcdcfg::runReport,
      "write an HTML page that draws the chassis, the screen layouts and the menu"},
+    {"show", lcdcfg::runShow, "what a model, card, connector type, the menu, HDR or the keys offer"},
+    {"dump", lcdcfg::runDump, "every loaded record as JSON"},
+    {"diff", lcdcfg::runDiff, "what changed between two configuration trees, record by record"},
 };
 
 int usage(QTextStream& stream, int code) {

@@ -1,0 +1,202 @@
+// lcdcfg show, dump and diff, run as a user runs them: their output on the
+// shipped configuration against golden files under tests/data/lcdcfg/
+// (LCD_UPDATE_GOLDEN=1 rewrites them), the JSON dump read back, and the diff
+// of the shipped tree against a copy with planted changes.
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtTest/QtTest>
+
+#include "testutil.h"
+
+namespace {
+
+using test::lcdcfg;
+using test::Run;
+
+const QString kGolden = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/");
+
+// Compares `actual` with the golden file `name`; on a mismatch the message
+// is the unified diff (golden first).
+QString compareGolden(const QString& name, const QByteArray& actual) {
+    const QString path = kGolden + name;
+    if (qEnvironmentVariableIntValue("LCD_UPDATE_GOLDEN") == 1) {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return "cannot write " + path;
+        file.write(actual);
+        return {};
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return "no golden file " + path + " (LCD_UPDATE_GOLDEN=1 makes it)";
+    if (file.readAll() == actual) return {};
+    QTemporaryDir dir;
+    const QString actualPath = test::writeFile(dir, name, actual);
+    QProcess diff;
+    diff.start(QStringLiteral("diff"), {"-u", path, actualPath});
+    diff.waitForFinished();
+    return QString::fromUtf8(diff.readAllStandardOutput());
+}
+
+// A copy of the shipped configuration under `dir`/config with a few changes
+// planted: each replaces the first `from` in `file` by `to`.
+struct Plant {
+    const char* file;
+    const char* from;
+    const char* to;
+};
+QString plantedCopy(const QTemporaryDir& dir, std::initializer_list<Plant> plants) {
+    const QString source = test::sharedConfig(QString());
+    const QString target = dir.filePath(QStringLiteral("config"));
+    QDirIterator it(source, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        const QString copy = target + "/" + QDir(source).relativeFilePath(file);
+        QDir().mkpath(QFileInfo(copy).absolutePath());
+        QFile::copy(file, copy);
+    }
+    for (const Plant& plant : plants) {
+        QFile file(target + "/" + plant.file);
+        if (!file.open(QIODevice::ReadOnly)) qFatal("no %s in the shipped tree", plant.file);
+        QByteArray content = file.readAll();
+        const int at = content.indexOf(plant.from);
+        if (at < 0) qFatal("%s no longer holds %s", plant.file, plant.from);
+        content.replace(at, qstrlen(plant.from), plant.to);
+        file.close();
+        test::writeFile(dir, QStringLiteral("config/") + plant.file, content);
+    }
+    return target;
+}
+
+} // namespace
+
+class LcdcfgShowTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void goldenOutputs_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("golden");
+        QTest::newRow("show device") << QStringList{"show", "device", "--locale", "en"} << "show-device.txt";
+        QTest::newRow("show card") << QStringList{"show", "card", "2201"} << "show-card-2201.txt";
+        QTest::newRow("show connector")
+            << QStringList{"show", "connector", "6", "--interface", "2", "--mode", "2"}
+            << "show-connector-6.txt";
+        QTest::newRow("show menu") << QStringList{"show", "menu"} << "show-menu.txt";
+        QTest::newRow("show hdr") << QStringList{"show", "hdr"} << "show-hdr.txt";
+        QTest::newRow("show keys") << QStringList{"show", "keys"} << "show-keys.txt";
+        QTest::newRow("dump key-check")
+            << QStringList{"dump", "--json", "key-check"} << "dump-key-check.json";
+        QTest::newRow("dump print-keys")
+            << QStringList{"dump", "--json", "print-keys"} << "dump-print-keys.json";
+    }
+
+    void goldenOutputs() {
+        QFETCH(QStringList, args);
+        QFETCH(QString, golden);
+        const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
+        QVERIFY2(run.code == 0, qPrintable(run.err));
+        const QString mismatch = compareGolden(golden, run.out.toUtf8());
+        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+    }
+
+    void answersAndRefusals_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("Chinese type name") << QStringList{"show", "device", "--locale", "zh_CN"} << 0
+                                           << "type name         4U液晶拼接处理器";
+        QTest::newRow("unknown locale")
+            << QStringList{"show", "device", "--locale", "fr"} << 2 << "--locale is en or zh_CN, not fr";
+        QTest::newRow("unknown card") << QStringList{"show", "card", "9"} << 1 << "no card model 9";
+        QTest::newRow("unknown connector type")
+            << QStringList{"show", "connector", "5"} << 1 << "no connector type 5";
+        QTest::newRow("unknown subject") << QStringList{"show", "screens"} << 2 << "cannot show screens";
+        QTest::newRow("unknown component")
+            << QStringList{"dump", "--json", "screens"} << 2 << "unknown component screens";
+        QTest::newRow("one tree") << QStringList{"diff", "a"} << 2 << "two configuration trees expected";
+    }
+
+    void answersAndRefusals() {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QString, text);
+        const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
+        QCOMPARE(run.code, code);
+        QVERIFY2((run.out + run.err).contains(text), qPrintable(run.out + run.err));
+    }
+
+    // The whole dump parses and names every record of the shipped tree.
+    void dumpNamesEveryRecord() {
+        const Run run = lcdcfg({"dump", "--json", "--root", test::sharedConfig(QString())});
+        QCOMPARE(run.code, 0);
+        QJsonParseError error;
+        const QJsonObject dump = QJsonDocument::fromJson(run.out.toUtf8(), &error).object();
+        QVERIFY2(error.error == QJsonParseError::NoError, qPrintable(error.errorString()));
+        auto ids = [](const QJsonArray& array, const QString& key) {
+            QList<int> list;
+            for (const QJsonValue& v : array)
+                list << v[key].toInt();
+            return list;
+        };
+        const QJsonObject devices = dump["devices"].toObject();
+        QCOMPARE(devices["currentModelId"].toInt(), 29974);
+        QCOMPARE(ids(devices["models"].toArray(), "modelId"), QList<int>{29974});
+        const QJsonObject model = devices["models"][0].toObject();
+        QCOMPARE(model["screens"].toArray().size(), 2);
+        QCOMPARE(model["layers"].toArray().size(), 2);
+        QCOMPARE(model["feature"]["enName"].toString(), QString("4U LCD Splicing Processor"));
+        QCOMPARE(ids(dump["cards"].toArray(), "modelId"),
+                 (QList<int>{1001, 2101, 2102, 2103, 2104, 3101, 2201}));
+        QCOMPARE(ids(dump["connectors"].toArray(), "type"), (QList<int>{2, 6, 8, 13}));
+        QVERIFY(!dump["menu"]["children"].toArray().isEmpty());
+        QCOMPARE(dump["hdr"]["auto"]["bitDepth"].toInt(), 8);
+        QVERIFY(!dump["hdr"]["input"].toArray().isEmpty() && !dump["hdr"]["output"].toArray().isEmpty());
+        QVERIFY(!dump["key-check"].toArray().isEmpty());
+        QCOMPARE(dump["print-keys"][0]["deviceModelId"].toInt(), 29974);
+    }
+
+    // A slot gained, a card connector lost, a resolution no longer disabled
+    // and a feature default changed: one sentence each, in the records' terms.
+    void diffNamesPlantedChanges() {
+        QTemporaryDir dir;
+        const QString changed = plantedCopy(
+            dir,
+            {{"device/29974/29974_slot.xml", R"(<Slot Index="10"/>)",
+              R"(<Slot Index="10"/><Slot Index="11"/>)"},
+             {"subcard/2102_dvi_4in.xml",
+              R"(<Connector Type="2" InterfaceType="2" Position="4" Enable="1" PrintKeyNo="4" Visible="1" )"
+              R"(CapacityMode="0" WorkMode="0" BackupPos="0"/>)",
+              ""},
+             {"connector/connector_hdmi20.xml",
+              R"(<Resolution Width="4096" Height="2160" RefreshRate="6000" Coefficient="0.01"/>)", ""},
+             {"device/29974/29974_feature.xml",
+              "<Genlock Support=\"1\" Editable=\"1\">\n        <Type Support=\"1\" Editable=\"1\" "
+              "DataType=\"0\" Value=\"0\">",
+              "<Genlock Support=\"1\" Editable=\"1\">\n        <Type Support=\"1\" Editable=\"1\" "
+              "DataType=\"0\" Value=\"1\">"}});
+        const QString shipped = test::sharedConfig(QString());
+        const Run same = lcdcfg({"diff", shipped, shipped});
+        QCOMPARE(same.code, 0);
+        QCOMPARE(same.out, QString("no differences\n"));
+
+        const Run text = lcdcfg({"diff", shipped, changed});
+        QCOMPARE(text.code, 1);
+        const QString mismatch = compareGolden("diff-planted.txt", text.out.toUtf8());
+        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+
+        const Run json = lcdcfg({"diff", "--json", shipped, changed});
+        QCOMPARE(json.code, 1);
+        const QJsonObject changes = QJsonDocument::fromJson(json.out.toUtf8()).object();
+        QCOMPARE(changes["count"].toInt(), 4);
+        QStringList paths;
+        for (const QJsonValue& change : changes["changes"].toArray())
+            paths << change["kind"].toString() + " " + change["path"].toString();
+        QVERIFY2(paths.contains("added /devices/models/29974/slot/slots/mixCardSlots/slots/11"),
+                 qPrintable(paths.join('\n')));
+    }
+};
+
+QTEST_GUILESS_MAIN(LcdcfgShowTest)
+#include "tst_lcdcfg_show.moc"

@@ -1,0 +1,40 @@
+// lcdcfg dump: every loaded record as JSON, for tools and for diffing.
+
+#include <QtCore/QJsonDocument>
+
+#include "tools/lcdcfg/cli.h"
+#include "tools/lcdcfg/records.h"
+#include "tools/lcdcfg/session.h"
+
+namespace lcdcfg {
+
+int runDump(const QStringList& args) {
+    CommandLine cl(
+        QStringLiteral("dump"),
+        QStringLiteral("Prints every loaded record of a configuration tree as JSON (one component "
+                       "when COMPONENT names one: devices, cards, connectors, menu, hdr, key-check, "
+                       "print-keys)."),
+        QStringLiteral("[COMPONENT]"));
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("JSON output (the only format)."));
+    cl.addOption(json);
+    Session session(cl, false);
+    int code = kClean;
+    if (!cl.parse(args, &code)) return code;
+    const QStringList positional = cl.positional();
+    if (positional.size() > 1) return cl.usage(QStringLiteral("one COMPONENT at most"));
+    Part part = Part::Devices;
+    if (!positional.isEmpty() && !parsePart(positional.first(), &part))
+        return cl.usage(QStringLiteral("unknown component %1").arg(positional.first()));
+
+    const std::unique_ptr<Tree> tree =
+        session.load(session.root(), positional.isEmpty() ? QVector<Part>{} : QVector<Part>{part});
+    if (!tree) return kUsage;
+    QJsonObject dump = dumpTree(*tree);
+    if (!positional.isEmpty())
+        for (const PartLoad& load : tree->loads())
+            if (load.part != part) dump.remove(QLatin1String(partName(load.part)));
+    out() << QString::fromUtf8(QJsonDocument(dump).toJson(QJsonDocument::Indented));
+    return kClean;
+}
+
+} // namespace lcdcfg
