@@ -1,5 +1,7 @@
 #include "host/kvchost.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
 namespace kvchost {
@@ -17,6 +19,11 @@ void setError(QString* error, const QString& text) {
 QString PluginHost::defaultPluginPath() {
     const QByteArray fromEnvironment = qgetenv("LCD_PLUGIN");
     if (!fromEnvironment.isEmpty()) return QString::fromLocal8Bit(fromEnvironment);
+    if (QCoreApplication::instance()) {
+        const QString installed =
+            QCoreApplication::applicationDirPath() + QStringLiteral("/" LCD_INSTALLED_PLUGIN);
+        if (QFileInfo::exists(installed)) return QDir::cleanPath(installed);
+    }
     return QStringLiteral(LCD_DEFAULT_PLUGIN);
 }
 

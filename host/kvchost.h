@@ -28,7 +28,9 @@ template <class I> using Component = std::unique_ptr<I, ComponentDeleter>;
 
 class PluginHost {
 public:
-    // The plug-in built beside this host (overridden by LCD_PLUGIN in the environment).
+    // LCD_PLUGIN from the environment; else, for an installed tool, the
+    // plug-in installed with it (../lib/ from the executable's directory);
+    // else the plug-in built beside this host.
     static QString defaultPluginPath();
 
     explicit PluginHost(QString libraryPath = defaultPluginPath());

@@ -6,9 +6,10 @@
 // of the current device first asks findDeviceModelId(), which writes its own
 // warnings, and then takes the first record with that id in load order; when
 // there is none it also warns "could not find device(%1)'s cfg." with the id
-// and gives its empty result. Pointers handed out point into the loaded
-// records: they stay valid until the next readConfig() or the component's
-// destruction.
+// and gives its empty result. Pointers and references handed out (screens,
+// DeviceConfigs()) point into the loaded records: they stay valid until the
+// next readConfig() or the component's destruction. Before any readConfig()
+// every query answers as for a device that is not loaded.
 
 #include <QtCore/QList>
 #include <QtCore/QString>

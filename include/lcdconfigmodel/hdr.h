@@ -48,6 +48,10 @@ struct HDRKey {
 // type) with their selectable values in file order.
 using HDROptionTable = std::map<HDRKey, std::map<int, std::list<int>>>;
 
+// A new component holds two empty tables: call initInputConfig and
+// initOutputConfig (from the right working directory) before asking
+// getCanSelectedValues, which otherwise answers with empty maps. The other
+// operations read no file and work at any time. Results are copies.
 class LCD_CONFIGMODEL_EXPORT IHDRConfig {
 public:
     virtual ~IHDRConfig() = default;
@@ -70,7 +74,8 @@ public:
     virtual int autoToActualForColorGamut(int value, int actual) = 0;
     virtual int autoToActualForDynamicRange(int value, int actual) = 0;
 
-    // Display text of each value (255 "AUTO"). The texts are static.
+    // Display text of each value (255 "AUTO"). The texts are static: they stay
+    // valid while the library is loaded, after the component is destroyed.
     virtual QHash<int, const char*> getColorSpaceString() = 0;
     virtual QHash<int, const char*> getColorGamutString() = 0;
     virtual QHash<int, const char*> getDynamicRangeString() = 0;

@@ -3,6 +3,15 @@
 // The host framework's side of the plug-in contract: the component descriptor,
 // the component template that fills it, and the record that keeps the host's
 // pointer. Header-only; compiled into the plug-in and into hosts alike.
+//
+// Sequence: load the library, call pluginit(), call pluginfo() and walk its
+// componentTable up to the null entry; for each component needed, call the
+// descriptor's creatorFn, use the object through its interface (one thread at
+// a time), run its loader before its queries, and hand the object back to the
+// same descriptor's deletorFn. The descriptors, the plug-in record and every
+// text in them are static: they stay valid until the library is unloaded.
+// Unloading the library does not destroy objects the host still holds, and
+// they must not be used afterwards.
 
 #include <functional>
 #include <new>
@@ -76,8 +85,10 @@ struct PluginInfo {
     kvc::ComponentInfo kvc::ComponentTmpl<Class>::componentInfo = kvc::ComponentTmpl<Class>::describe(Id);
 
 extern "C" {
-// Stores the host framework's pointer; a second call replaces it.
+// Stores the host framework's pointer; a second call replaces it. The library
+// never reads it back, so components work whether or not it was called.
 LCD_CONFIGMODEL_EXPORT void pluginit(void* host);
-// The plug-in record (a kvc::PluginInfo), valid while the library is loaded.
+// The plug-in record (a kvc::PluginInfo), the same constant record on every
+// call, before or after pluginit(); valid while the library is loaded.
 LCD_CONFIGMODEL_EXPORT void* pluginfo();
 }

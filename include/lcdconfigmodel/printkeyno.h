@@ -46,7 +46,8 @@ public:
     // false: `error` holds the reason and the table is as it was.
     virtual bool readConfig(const QString& path, QString& error) = 0;
     // The keys of card `subcardModelId` in device `deviceModelId` (first
-    // matches win); modelId -1 and no keys when either is missing.
+    // matches win), as a copy that outlives the component; modelId -1 and no
+    // keys when either is missing, as before any readConfig. Logs nothing.
     virtual SubcardPrintKeyNoInfo getPrintKeyNoCfg(int deviceModelId, int subcardModelId) = 0;
 };
 

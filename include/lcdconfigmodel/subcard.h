@@ -247,8 +247,10 @@ constexpr qint32 kNoSubcardDeviceMode = -1;
 
 // The card catalogue. Every query searches the cards whose modelId equals the
 // modelId argument ("matching cards") in catalogue order: file order, then
-// document order. Pointers point into the catalogue and stay valid until the
-// next readConfig or the component's destruction.
+// document order. Pointers (and the reference of subcardConfig()) point into
+// the catalogue and stay valid until the next readConfig or the component's
+// destruction. Before any readConfig every query answers as for an unknown
+// card model.
 class LCD_CONFIGMODEL_EXPORT SubcardConfigInterface {
 public:
     virtual ~SubcardConfigInterface() = default;
