@@ -22,9 +22,8 @@ Loader screenLoader(LogSite site) {
 
 // Unless a default is written at the call, every attribute of a screen file is
 // read with an empty default: an absent attribute of a present element stores 0.
-const xml::Attrs kRange{{"Support", ""},  {"Editable", ""}, {"Value", ""},
-                        {"DataType", ""}, {"Min", ""},      {"Max", ""}};
-const xml::Attrs kOptionHeader{{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}};
+const xml::Attrs& kRange = xml::kEmpty;
+const xml::Attrs& kOptionHeader = xml::kEmptyOptions;
 const xml::Attrs kNameLimits{{"DataType", ""}, {"Min", ""}, {"Max", ""}};
 
 // Range read: the six attributes; step is kept. A missing element keeps `out`.
