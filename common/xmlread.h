@@ -290,6 +290,11 @@ LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_TextRang
 LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out);
 // readInts on a present element; a null element leaves the fields alone.
 LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
+// "Support" and "Editable" with an empty default into any record that has
+// them; a null element leaves it alone.
+template <class R> void updatePair(const QDomElement& e, R& r) {
+    updateInts(e, {{"Support", &r.support}, {"Editable", &r.editable}});
+}
 // The range attributes named in `names`, in that order, with an empty default;
 // a null element leaves `out` untouched. `step` is not touched.
 LCD_CONFIGMODEL_EXPORT void readRangeAttrs(const QDomElement& e, s_RangeValue& out,

@@ -61,7 +61,7 @@ private Q_SLOTS:
             QVERIFY(readRangeStrict(e, "R", r, error,
                                     {"Support", "Editable", "Value", "Min", "Max", "DataType"}));
         }
-        QCOMPARE(r, expected);
+        LCD_COMPARE_RECORDS(r, expected);
         QCOMPARE(r.step, 1.0);
     }
 
