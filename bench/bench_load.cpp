@@ -3,6 +3,14 @@
 //
 //   bench_load <config directory> [runs]
 //
+// First, the scaled comparison: a tree S times the shipped one (S device
+// models, S copies of every card file and of every connector file, ids and
+// values varied) is generated for S = 1, 10 and 100; each component's load is
+// measured against its floor (opening and parsing with QDom, namespace
+// processing on, exactly the files that load reads), interleaved, and the
+// median of the ratios of each load to the floor that follows it is printed with the growth of the load from
+// 10 to 100.
+//
 // Each figure is the median over `runs` (default 7) runs of the time per load.
 // Diagnostics are discarded while measuring, so debug logging is not counted.
 
@@ -24,11 +32,14 @@
 #include <QtCore/QDirIterator>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
 #include <QtCore/QTextCodec>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <vector>
 
@@ -83,6 +94,165 @@ bool parseAll(const QStringList& list, bool (Manager::*parse)(const QString&, QS
         if (!(Manager::instance()->*parse)(file, error, record)) return false;
     }
     return true;
+}
+
+// ---- the scaled tree ---------------------------------------------------------
+
+QByteArray readAll(const QString& file) {
+    QFile f(file);
+    if (!f.open(QIODevice::ReadOnly)) {
+        std::fprintf(stderr, "cannot read %s\n", qPrintable(file));
+        std::exit(1);
+    }
+    return f.readAll();
+}
+
+void writeAll(const QString& file, const QByteArray& data) {
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    QFile f(file);
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(data) != data.size()) {
+        std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
+        std::exit(1);
+    }
+}
+
+// Copy `copy` of a shipped file: the attribute `idAttr` offset by `idStep`
+// times the copy, and every "Value" attribute of one digit varied within its
+// digit range, so that no two copies are alike.
+QByteArray varied(QByteArray data, int copy, const char* idAttr, int idStep) {
+    if (copy == 0) return data;
+    const QByteArray key = QByteArray(idAttr) + "=\"";
+    for (int at = data.indexOf(key); at >= 0; at = data.indexOf(key, at + 1)) {
+        const int start = at + key.size(), end = data.indexOf('"', start);
+        bool ok = false;
+        const int id = data.mid(start, end - start).toInt(&ok);
+        if (ok) data.replace(start, end - start, QByteArray::number(id + copy * idStep));
+    }
+    const QByteArray value = "Value=\"";
+    for (int at = data.indexOf(value); at >= 0; at = data.indexOf(value, at + 1)) {
+        const int start = at + value.size();
+        if (data.size() > start + 1 && data[start + 1] == '"' && data[start] >= '0' && data[start] <= '9')
+            data[start] = char('0' + (data[start] - '0' + copy) % 10);
+    }
+    return data;
+}
+
+// The shipped tree `from` at scale `scale` under `to`: model directories
+// 29974, 29975, ... (the first is the shipped model), card files with model
+// ids offset by 10000 per copy, connector files with their type offset by
+// 100 per copy; the other files once.
+void generateTree(const QString& from, const QString& to, int scale) {
+    QDirIterator it(from, {QStringLiteral("*.xml")}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        const QString relative = QDir(from).relativeFilePath(file);
+        const QByteArray data = readAll(file);
+        for (int copy = 0; copy < scale; ++copy) {
+            if (relative.startsWith(QLatin1String("device/29974/"))) {
+                const QString name = relative.mid(int(strlen("device/29974/")));
+                writeAll(to + QStringLiteral("/device/%1/").arg(29974 + copy) + name,
+                         varied(data, copy, "ModuleId", 1));
+            } else if (relative.startsWith(QLatin1String("subcard/"))) {
+                const QFileInfo info(relative);
+                writeAll(to + QLatin1Char('/') + info.path() + QStringLiteral("/c%1_").arg(copy) +
+                             info.fileName(),
+                         varied(data, copy, "ModelId", 10000));
+            } else if (relative.startsWith(QLatin1String("connector/connector_"))) {
+                writeAll(to + QStringLiteral("/connector/c%1_").arg(copy) + QFileInfo(relative).fileName(),
+                         varied(data, copy, "Type", 100));
+            } else if (copy == 0) {
+                writeAll(to + QLatin1Char('/') + relative, data);
+            }
+        }
+    }
+}
+
+// The files a component reads: every "*.xml" of `directory` (and of its
+// direct sub-directories when `subdirs`).
+QStringList xmlFiles(const QString& directory, bool subdirs) {
+    QStringList out;
+    QDirIterator it(directory, {QStringLiteral("*.xml")}, QDir::Files,
+                    subdirs ? QDirIterator::Subdirectories : QDirIterator::NoIteratorFlags);
+    while (it.hasNext())
+        out << it.next();
+    return out;
+}
+
+// The floor: open, read and parse every file of `list` once, as the loader
+// does before its walk.
+bool parseFloor(const QStringList& list) {
+    for (const QString& file : list) {
+        QFile f(file);
+        if (!f.open(QIODevice::ReadOnly)) return false;
+        QDomDocument doc;
+        if (!doc.setContent(f.readAll(), true)) return false;
+    }
+    return true;
+}
+
+double median(std::vector<double> v) {
+    std::nth_element(v.begin(), v.begin() + v.size() / 2, v.end());
+    return v[v.size() / 2];
+}
+
+void benchScaled() {
+    struct Component {
+        const char* name;
+        std::function<bool(const QString& root)> load;
+        std::function<QStringList(const QString& root)> files;
+    };
+    const std::vector<Component> components = {
+        {"device registry",
+         [](const QString& root) {
+             QString error;
+             return DeviceTessanConfigManager().readConfig(root + "/device", error);
+         },
+         [](const QString& root) { return xmlFiles(root + "/device", true); }},
+        {"card catalogue",
+         [](const QString& root) {
+             QString error;
+             return SubcardConfigManager().readConfig(root + "/subcard", error);
+         },
+         [](const QString& root) { return xmlFiles(root + "/subcard", true); }},
+        {"connector catalogue",
+         [](const QString& root) {
+             QString error;
+             return ConnectorConfigManager().readConfig(root + "/connector", error);
+         },
+         [](const QString& root) { return xmlFiles(root + "/connector", false); }},
+    };
+    const int scales[] = {1, 10, 100};
+    std::vector<std::vector<double>> loads(components.size());
+
+    std::printf("%-20s %5s %7s %11s %11s %7s\n", "component", "S", "files", "load ms", "floor ms", "ratio");
+    for (int scale : scales) {
+        QTemporaryDir dir;
+        generateTree(g_config, dir.path(), scale);
+        const int runs = scale == 100 ? std::max(3, g_runs / 2) : g_runs;
+        for (size_t c = 0; c < components.size(); ++c) {
+            const Component& component = components[c];
+            const QStringList list = component.files(dir.path());
+            std::vector<double> load, floor, ratio;
+            component.load(dir.path());            // warm the file cache
+            for (int run = 0; run < runs; ++run) { // interleaved: load, floor, load, floor, ...
+                QElapsedTimer timer;
+                timer.start();
+                if (!component.load(dir.path())) std::exit(1);
+                load.push_back(timer.nsecsElapsed() / 1e6);
+                timer.start();
+                if (!parseFloor(list)) std::exit(1);
+                floor.push_back(timer.nsecsElapsed() / 1e6);
+                ratio.push_back(load.back() / floor.back());
+            }
+            loads[c].push_back(median(load));
+            std::printf("%-20s %5d %7d %11.2f %11.2f %7.3f\n", component.name, scale, int(list.size()),
+                        median(load), median(floor), median(ratio));
+        }
+    }
+    std::printf("\ngrowth of the load from S = 10 to S = 100:");
+    for (size_t c = 0; c < components.size(); ++c)
+        std::printf("  %s %.2fx", components[c].name, loads[c][2] / loads[c][1]);
+    std::printf("\n\n");
 }
 
 void benchComponents() {
@@ -231,6 +401,8 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(silence);
 
     std::printf("median of %d runs, configuration %s\n\n", g_runs, qPrintable(g_config));
+    benchScaled();
+    if (qEnvironmentVariableIsSet("LCD_BENCH_SCALED_ONLY")) return 0;
     benchComponents();
     benchNesting();
     return 0;

@@ -75,10 +75,6 @@ std::vector<s_Connector> readInterfaceTable(const QDomElement& table) {
 // first missing required element (Section returns null from then on) nothing
 // more is read. Attributes are read with an empty default: absent gives 0.
 
-template <class R> void readSupport(const QDomElement& e, R& r) {
-    if (!e.isNull()) readInts(e, {{"Support", &r.support}, {"Editable", &r.editable}});
-}
-
 // "Support", "Editable", "Value", "DataType" and the "Value" of every child.
 void readEnumSet(const QDomElement& e, s_ConnectorEnumSet& out) {
     if (e.isNull()) return;
@@ -95,26 +91,26 @@ void readNames(Section& s, const QDomElement& e, std::string& zh_CN, std::string
 }
 
 void readStepRange(const QDomElement& e, s_ConnectorStepRange& out) {
-    readRangeAttrs(e, out.range, {"Support", "Editable", "Value", "Min", "Max", "DataType"});
+    update(e, kEmpty, out.range);
     if (!e.isNull()) out.step = intAttr(e, "Step"); // not range.step, which stays 1.0
 }
 
 void readRateRange(const QDomElement& e, s_ConnectorRateRange& out) {
-    readRangeAttrs(e, out.range, {"Support", "Editable", "Value", "Min", "Max", "DataType"});
+    update(e, kEmpty, out.range);
     if (!e.isNull()) out.coefficient = floatAttr(e, "Coefficient");
 }
 
 void readResolutionRatios(const QDomElement& e, s_ConnectorResolutionRatios& out) {
-    readSupport(e, out);
+    updatePair(e, out);
     const QDomElement ratio = child(e, "ResolutionRatio");
-    readSupport(ratio, out.resolutionRatio);
+    updatePair(ratio, out.resolutionRatio);
     readStepRange(child(ratio, "Width"), out.resolutionRatio.width);
     readStepRange(child(ratio, "Height"), out.resolutionRatio.height);
     readRateRange(child(ratio, "RefreshRate"), out.resolutionRatio.refreshRate);
 }
 
 void readAdvancedAxis(const QDomElement& e, s_ConnectorTimingAxis& axis) {
-    readSupport(e, axis);
+    updatePair(e, axis);
     const auto all = {"Support", "Editable", "Min", "Max", "DataType", "Value"};
     readRangeAttrs(child(e, "AddTime"), axis.addTime, all);
     readRangeAttrs(child(e, "FrontPorch"), axis.frontPorch, all);
@@ -129,14 +125,14 @@ void readCapacityMode(Section& s, const QDomElement& e, s_CapacityModeInInterfac
 
     const QDomElement band = s.need(e, "BandWidth");
     if (!band.isNull()) {
-        readSupport(band, mode.bandWidth);
+        updatePair(band, mode.bandWidth);
         mode.bandWidth.max = intAttr(band, "Max");
         mode.bandWidth.min = intAttr(band, "Min");
     }
     readResolutionRatios(s.need(e, "ResolutionRatios"), mode.resolutionRatios);
 
     const QDomElement adv = child(e, "AdvResolutionRatio"); // optional, as are its children
-    readSupport(adv, mode.advResolutionRatio);
+    updatePair(adv, mode.advResolutionRatio);
     readAdvancedAxis(child(adv, "Horizontal"), mode.advResolutionRatio.horizontal);
     readAdvancedAxis(child(adv, "Vertical"), mode.advResolutionRatio.vertical);
 
@@ -159,7 +155,7 @@ void readCapacityModes(Section& s, const QDomElement& e, s_ConnectorCfg& c) {
 }
 
 void readHdcp(Section& s, const QDomElement& e, s_ConnectorHDCP& hdcp) {
-    readSupport(e, hdcp);
+    updatePair(e, hdcp);
     forEachChild(e, [&](const QDomElement& i) {
         s_InterfaceInHDCP& in = hdcp.interfaces.emplace_back();
         in.type = intAttr(i, "Type");
@@ -178,7 +174,7 @@ void readLimit(const QDomElement& e, s_ConnectorLimit& limit) {
 }
 
 void readGeneral(Section& s, const QDomElement& e, s_ConnectorGeneral& general) {
-    readSupport(e, general);
+    updatePair(e, general);
     const QDomElement type = s.needLogged(e, "Type");
     if (!type.isNull()) {
         readInts(type, {{"Support", &general.type.support},
@@ -193,7 +189,7 @@ void readGeneral(Section& s, const QDomElement& e, s_ConnectorGeneral& general) 
 // A preset timing axis reads only "Support", "Editable", "Min" and "DataType"
 // of porch, sync and total: their "Max" and "Value" keep the defaults.
 void readPresetAxis(Section& s, const QDomElement& e, s_PresetTimingAxis& axis) {
-    readSupport(e, axis);
+    updatePair(e, axis);
     readRangeAttrs(s.needLogged(e, "AddTime"), axis.addTime,
                    {"Support", "Editable", "Min", "Max", "DataType", "Value"});
     readRangeAttrs(s.needLogged(e, "FrontPorch"), axis.frontPorch,
@@ -204,7 +200,7 @@ void readPresetAxis(Section& s, const QDomElement& e, s_PresetTimingAxis& axis) 
 }
 
 void readPresetTiming(Section& s, const QDomElement& e, s_ConnectorPresetTiming& timing) {
-    readSupport(e, timing);
+    updatePair(e, timing);
     forEachChild(e, [&](const QDomElement& i) {
         s_PreSetTimingInterface& t = timing.interfaces.emplace_back();
         t.type = intAttr(i, "Type");
@@ -228,7 +224,7 @@ void readPresetTiming(Section& s, const QDomElement& e, s_ConnectorPresetTiming&
 template <class Group, class Item>
 void readColorGroup(Section& s, const QDomElement& e, const char* setTag, Group& group,
                     s_ConnectorEnumSet Item::*set) {
-    readSupport(e, group);
+    updatePair(e, group);
     forEachChild(e, [&](const QDomElement& i) {
         Item& item = group.interfaces.emplace_back();
         item.type = intAttr(i, "Type");
@@ -245,7 +241,7 @@ void readRGB(Section& s, const QDomElement& e, s_ConnectorRGB& rgb) {
 }
 
 void readImageQuality(Section& s, const QDomElement& e, s_ConnectorImageQuality& quality) {
-    readSupport(e, quality);
+    updatePair(e, quality);
     forEachChild(e, [&](const QDomElement& i) {
         s_InterfaceInImageQuality& q = quality.interfaces.emplace_back();
         q.type = intAttr(i, "Type");
@@ -271,7 +267,7 @@ void readCutoutRatio(const QDomElement& e, s_CutoutRatio& r) {
 }
 
 void readCrop(Section& s, const QDomElement& e, s_ConnectorCrop& crop) {
-    readSupport(e, crop);
+    updatePair(e, crop);
     readEnumSet(s.need(e, "Enable"), crop.enable);
     readCutoutRatio(s.need(e, "XRatio"), crop.xRatio);
     readCutoutRatio(s.need(e, "YRatio"), crop.yRatio);
@@ -420,13 +416,13 @@ bool ConnectorConfigManager::readConfigConnector(const QDomElement& connector, Q
         readColorGroup(s, s.needLogged(e, "ColorRanges"), "ColorRange", c.colorRanges,
                        &s_InterfaceInColorRange::colorRange);
         readEnumSet(s.needLogged(e, "FormatMapping"), c.dynamicRange.formatMapping);
-        readSupport(s.needLogged(e, "DynamicRange"), c.dynamicRange);
+        updatePair(s.needLogged(e, "DynamicRange"), c.dynamicRange);
         readImageQuality(s, s.need(e, "ImageQuality"), c.imageQuality);
         readCrop(s, s.need(e, "Crop"), c.crop);
         const QDomElement timingSelect = s.need(e, "TimingSelect");
-        readSupport(timingSelect, c.timingSelect);
+        updatePair(timingSelect, c.timingSelect);
         readEnumSet(s.need(timingSelect, "Select"), c.timingSelect.select);
-        readSupport(s.need(e, "EDID"), c.edid);
+        updatePair(s.need(e, "EDID"), c.edid);
         // c.hdr: no element of a connector file fills it.
     });
 }

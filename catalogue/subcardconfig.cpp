@@ -108,8 +108,7 @@ s_ConnectorInConnectorsDeviceModeCapacitysCapacity readCapacityConnector(const Q
     s_ConnectorInConnectorsDeviceModeCapacitysCapacity c;
     readConnectorAttrs(e, c);
     c.groupId = intAttr(e, "GroupId");
-    c.dynamicRange = readValueSetting(child(e, "DynamicRange"),
-                                      {{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}});
+    c.dynamicRange = readValueSetting(child(e, "DynamicRange"), kEmptyOptions);
     return c;
 }
 

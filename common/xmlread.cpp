@@ -2,6 +2,7 @@
 
 #include <QtCore/QDebug>
 
+#include <atomic>
 #include <cstring>
 
 namespace LCD {
@@ -31,19 +32,76 @@ inline void textWasRead(const QDomElement& e) {
     if (LoadObserver* o = observe::current(); Q_UNLIKELY(o) && !e.isNull()) o->textRead(e);
 }
 
+// Attribute and tag names as QString, built once per name: the vocabulary
+// is called with string literals, so a name is looked up by its address (and
+// its text checked, in case an address is reused for another name). Slots are
+// claimed once and never change afterwards; a full table or a slot being
+// filled by another thread falls back to a temporary.
+QString interned(const char* name) {
+    struct Slot {
+        std::atomic<const char*> key{nullptr};
+        QString text;
+    };
+    constexpr size_t kSlots = 1024;
+    static const char claimed = 0;
+    static Slot slots[kSlots];
+    const size_t start = (reinterpret_cast<quintptr>(name) >> 1) % kSlots;
+    for (size_t probe = 0; probe < 16; ++probe) {
+        Slot& s = slots[(start + probe) % kSlots];
+        const char* key = s.key.load(std::memory_order_acquire);
+        if (!key && s.key.compare_exchange_strong(key, &claimed, std::memory_order_acq_rel)) {
+            s.text = QString::fromLatin1(name);
+            s.key.store(name, std::memory_order_release);
+            return s.text;
+        }
+        if (key == name && s.text == QLatin1String(name)) return s.text;
+        if (key == &claimed) break;
+    }
+    return QString::fromLatin1(name);
+}
+
+// The common shape of a decimal attribute, an optional '-' and one to nine
+// ASCII digits, converted in place; false for anything else (blanks, '+',
+// long or empty texts), which then goes through QString::toInt.
+template <class Char> bool plainDecimal(const Char* p, qsizetype n, qint32* out) {
+    qsizetype i = 0;
+    if (n > 0 && p[0] == Char('-')) i = 1;
+    if (n - i < 1 || n - i > 9) return false;
+    qint32 v = 0;
+    for (; i < n; ++i) {
+        const unsigned d = unsigned(p[i]) - unsigned('0');
+        if (d > 9) return false;
+        v = v * 10 + qint32(d);
+    }
+    *out = p[0] == Char('-') ? -v : v;
+    return true;
+}
+
+// One attribute looked up once: whether it is there and its text.
+struct Found {
+    bool present;
+    QString raw;
+};
+
+inline Found find(const QDomElement& e, const char* name) {
+    // attributeNode() only looks: it is not const in Qt 5 for no reason of its own
+    const QDomAttr a = const_cast<QDomElement&>(e).attributeNode(interned(name));
+    if (a.isNull()) return {false, QString()};
+    return {true, a.value()};
+}
+
 // Tells the observer how one attribute was read: its text, the default, the
 // value stored and whether a number converted cleanly.
 template <class T>
-void reported(const QDomElement& e, const char* name, const char* def, ReadKind kind, const T& stored,
-              bool valid) {
+void reported(const QDomElement& e, const char* name, const char* def, ReadKind kind, const Found& found,
+              const T& stored, bool valid) {
     LoadObserver* o = observe::current();
     if (Q_LIKELY(!o) || e.isNull()) return;
     AttributeRead read;
     read.element = e;
     read.name = name;
-    const QString key = QLatin1String(name);
-    read.present = e.hasAttribute(key);
-    if (read.present) read.raw = e.attribute(key);
+    read.present = found.present;
+    read.raw = found.raw;
     read.def = def;
     read.kind = kind;
     if constexpr (std::is_same_v<T, QString>)
@@ -56,16 +114,12 @@ void reported(const QDomElement& e, const char* name, const char* def, ReadKind 
     o->attributeRead(read);
 }
 
-// The attribute's text or `def`, without telling the observer.
-inline QString rawAttr(const QDomElement& e, const char* name, const char* def) {
-    return e.attribute(QLatin1String(name), QLatin1String(def));
-}
-
 template <class T, class Convert>
 T number(const QDomElement& e, const char* name, const char* def, ReadKind kind, Convert&& convert) {
+    const Found found = find(e, name);
     bool ok = true;
-    const T v = convert(rawAttr(e, name, def), &ok);
-    reported(e, name, def, kind, v, ok);
+    const T v = convert(found.present ? found.raw : QString::fromLatin1(def), &ok);
+    reported(e, name, def, kind, found, v, ok);
     return v;
 }
 
@@ -102,7 +156,7 @@ template <class R> void readShape(const QDomElement& e, Attrs attrs, R& out) {
 
 QDomElement child(const QDomElement& parent, const char* name) {
     if (parent.isNull()) return {};
-    return visited(name ? parent.firstChildElement(QLatin1String(name)) : parent.firstChildElement(), parent,
+    return visited(name ? parent.firstChildElement(interned(name)) : parent.firstChildElement(), parent,
                    name);
 }
 
@@ -115,24 +169,46 @@ QDomElement next(const QDomElement& element) {
 }
 
 QDomElement nextNamed(const QDomElement& element, const char* name) {
-    return visited(element.nextSiblingElement(QLatin1String(name)));
+    return visited(element.nextSiblingElement(interned(name)));
 }
 
 QString attr(const QDomElement& e, const char* name, const char* def) {
-    const QString value = rawAttr(e, name, def);
-    reported(e, name, def, ReadKind::Text, value, true);
+    const Found found = find(e, name);
+    const QString value = found.present ? found.raw : QString::fromLatin1(def);
+    reported(e, name, def, ReadKind::Text, found, value, true);
     return value;
 }
 
 bool hasAttr(const QDomElement& e, const char* name) {
-    const bool present = e.hasAttribute(QLatin1String(name));
-    reported(e, name, "", ReadKind::Presence, present, true);
-    return present;
+    const Found found = find(e, name);
+    reported(e, name, "", ReadKind::Presence, found, found.present, true);
+    return found.present;
+}
+
+qint32 decimal(const QString& text, bool* ok) {
+    qint32 v;
+    if (plainDecimal(reinterpret_cast<const ushort*>(text.constData()), text.size(), &v)) {
+        if (ok) *ok = true;
+        return v;
+    }
+    return text.toInt(ok);
+}
+
+qint32 decimal(const char* text, bool* ok) {
+    qint32 v;
+    if (plainDecimal(text, qsizetype(std::strlen(text)), &v)) {
+        if (ok) *ok = true;
+        return v;
+    }
+    return QString::fromLatin1(text).toInt(ok);
 }
 
 qint32 intAttr(const QDomElement& e, const char* name, const char* def) {
-    return number<qint32>(e, name, def, ReadKind::Int,
-                          [](const QString& t, bool* ok) { return t.toInt(ok); });
+    const Found found = find(e, name);
+    bool ok = true;
+    const qint32 v = found.present ? decimal(found.raw, &ok) : decimal(def, &ok);
+    reported(e, name, def, ReadKind::Int, found, v, ok);
+    return v;
 }
 
 quint32 uintAttr(const QDomElement& e, const char* name, const char* def) {
@@ -146,7 +222,11 @@ float floatAttr(const QDomElement& e, const char* name, const char* def) {
 }
 
 std::string textAttr(const QDomElement& e, const char* name, const char* def) {
-    return utf8(attr(e, name, def));
+    const Found found = find(e, name);
+    if (Q_UNLIKELY(observe::current()))
+        reported(e, name, def, ReadKind::Text, found, found.present ? found.raw : QString::fromLatin1(def),
+                 true);
+    return found.present ? utf8(found.raw) : std::string(def);
 }
 
 std::string utf8(const QString& text) {
@@ -217,10 +297,7 @@ std::vector<s_RangeValue> readRangeList(const QDomElement& e, Attrs attrs) {
 
 void readRangeLenient(const QDomElement& e, s_RangeValue& out) {
     if (e.isNull()) return;
-    readShape(
-        e,
-        {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}, {"Min", "0"}, {"Max", "0"}},
-        out);
+    readShape(e, kLenient, out);
 }
 
 void readPairLenient(const QDomElement& e, s_SupportInfo& out) {
@@ -241,12 +318,28 @@ bool readRangeStrict(const QDomElement& parent, const char* tag, s_RangeValue& o
 
 Section::Section(QString& error, const Loader& loader) : m_error(error), m_loader(loader) {}
 
+Children::Children(const QDomElement& parent) : m_parent(parent) {
+    for (QDomElement e = parent.firstChildElement(); !e.isNull(); e = e.nextSiblingElement()) {
+        const QString tag = e.tagName();
+        if (!m_first.contains(tag)) m_first.insert(tag, e);
+    }
+}
+
+QDomElement Children::operator()(const char* name) const {
+    if (m_parent.isNull()) return {};
+    return visited(m_first.value(interned(name)), m_parent, name);
+}
+
 QDomElement Section::need(const QDomElement& parent, const char* name) {
-    return lookup(parent, name, false);
+    return m_complete ? found(child(parent, name), name, false) : QDomElement();
+}
+
+QDomElement Section::need(const Children& parent, const char* name) {
+    return m_complete ? found(parent(name), name, false) : QDomElement();
 }
 
 QDomElement Section::needLogged(const QDomElement& parent, const char* name) {
-    return lookup(parent, name, true);
+    return m_complete ? found(child(parent, name), name, true) : QDomElement();
 }
 
 void Section::fail(const QString& name) {
@@ -255,9 +348,7 @@ void Section::fail(const QString& name) {
     m_error = m_loader.invalidNode(name);
 }
 
-QDomElement Section::lookup(const QDomElement& parent, const char* name, bool logged) {
-    if (!m_complete) return {};
-    QDomElement e = child(parent, name);
+QDomElement Section::found(const QDomElement& e, const char* name, bool logged) {
     if (e.isNull()) {
         fail(QLatin1String(name));
         if (logged)
@@ -274,7 +365,7 @@ QString elementText(const QDomElement& e) {
 
 qint32 intText(const QDomElement& e) {
     textWasRead(e);
-    return e.text().toInt();
+    return decimal(e.text(), nullptr);
 }
 
 void update(const QDomElement& e, Attrs attrs, s_RangeValue& out) {
@@ -315,7 +406,7 @@ QDomElement childAt(const QDomElement& parent, int position) {
 
 void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list) {
     if (e.isNull()) return;
-    out = readOptions(e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}}, list);
+    out = readOptions(e, kLenientOptions, list);
 }
 
 void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers) {

@@ -6,6 +6,7 @@
 // attribute reads and text reads report to the load observer
 // (common/loadobserver.h; a null test when none is attached).
 
+#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtXml/QDomElement>
 
@@ -33,6 +34,22 @@ LCD_CONFIGMODEL_EXPORT QDomElement firstChild(const QDomElement& parent);
 // The next sibling element of any name.
 LCD_CONFIGMODEL_EXPORT QDomElement next(const QDomElement& element);
 
+// The children of one element indexed by tag name in one pass, for walks
+// that look up many children of the same element: a lookup is a hash probe
+// instead of a scan of the children. Lookups report to the observer exactly
+// as child() does.
+class LCD_CONFIGMODEL_EXPORT Children {
+public:
+    explicit Children(const QDomElement& parent);
+    // The first child element named `name`; null when there is none.
+    QDomElement operator()(const char* name) const;
+    const QDomElement& element() const { return m_parent; }
+
+private:
+    QDomElement m_parent;
+    QHash<QString, QDomElement> m_first;
+};
+
 // The repeated-element walk: the first child named `firstName`, then every
 // following sibling element whatever its name.
 template <class F> void forEachRepeated(const QDomElement& parent, const char* firstName, F&& f) {
@@ -56,6 +73,11 @@ template <class F> void forEachNamed(const QDomElement& parent, const char* name
 // The attribute's text, or `def` when absent. The one attribute read.
 LCD_CONFIGMODEL_EXPORT QString attr(const QDomElement& e, const char* name, const char* def = "");
 LCD_CONFIGMODEL_EXPORT bool hasAttr(const QDomElement& e, const char* name);
+// Decimal text converted exactly as QString::toInt converts it (0 and `ok`
+// false for anything that is not a 32-bit decimal), straight from the
+// characters for the common shape ("-" and up to nine digits).
+LCD_CONFIGMODEL_EXPORT qint32 decimal(const QString& text, bool* ok = nullptr);
+LCD_CONFIGMODEL_EXPORT qint32 decimal(const char* text, bool* ok = nullptr);
 // Decimal conversions without a success check: absent or non-numeric gives 0.
 LCD_CONFIGMODEL_EXPORT qint32 intAttr(const QDomElement& e, const char* name, const char* def = "");
 LCD_CONFIGMODEL_EXPORT quint32 uintAttr(const QDomElement& e, const char* name, const char* def = "");
@@ -92,6 +114,18 @@ struct Attr {
     const char* def;
 };
 using Attrs = std::initializer_list<Attr>;
+
+// Default tables shared by the walks.
+// Lenient: "Support" and "Editable" 1, the numbers 0.
+inline const Attrs kLenient = {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"},
+                               {"Value", "0"},   {"Min", "0"},      {"Max", "0"}};
+// Lenient without limits (enumerated settings, values).
+inline const Attrs kLenientOptions = {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}};
+// Every range attribute with an empty default: absent gives 0.
+inline const Attrs kEmpty = {{"Support", ""}, {"Editable", ""}, {"Value", ""},
+                             {"Min", ""},     {"Max", ""},      {"DataType", ""}};
+// kEmpty without limits.
+inline const Attrs kEmptyOptions = {{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}};
 
 // Where the selectable values of an enumerated setting come from.
 enum class ListFrom {
@@ -141,6 +175,7 @@ public:
 
     // A required child: missing ends the section.
     QDomElement need(const QDomElement& parent, const char* name);
+    QDomElement need(const Children& parent, const char* name);
     // A required child whose absence is also written as a "Log:" warning.
     QDomElement needLogged(const QDomElement& parent, const char* name);
     // Marks the section incomplete for `name` without a lookup.
@@ -149,7 +184,7 @@ public:
     bool complete() const { return m_complete; }
 
 private:
-    QDomElement lookup(const QDomElement& parent, const char* name, bool logged);
+    QDomElement found(const QDomElement& e, const char* name, bool logged);
 
     QString& m_error;
     const Loader& m_loader;
@@ -255,6 +290,11 @@ LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_TextRang
 LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out);
 // readInts on a present element; a null element leaves the fields alone.
 LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
+// "Support" and "Editable" with an empty default into any record that has
+// them; a null element leaves it alone.
+template <class R> void updatePair(const QDomElement& e, R& r) {
+    updateInts(e, {{"Support", &r.support}, {"Editable", &r.editable}});
+}
 // The range attributes named in `names`, in that order, with an empty default;
 // a null element leaves `out` untouched. `step` is not touched.
 LCD_CONFIGMODEL_EXPORT void readRangeAttrs(const QDomElement& e, s_RangeValue& out,

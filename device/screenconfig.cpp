@@ -21,22 +21,13 @@ Loader screenLoader(LogSite site) {
 }
 
 // Unless a default is written at the call, every attribute of a screen file is
-// read with an empty default: an absent attribute of a present element stores 0.
-const xml::Attrs kRange{{"Support", ""},  {"Editable", ""}, {"Value", ""},
-                        {"DataType", ""}, {"Min", ""},      {"Max", ""}};
-const xml::Attrs kOptionHeader{{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}};
+// read with an empty default: an absent attribute of a present element stores
+// 0. Ranges read the six attributes (step is kept); option lists the four
+// header attributes, then "Value" of every child element whatever its name. A
+// missing element keeps what the record held.
+const xml::Attrs& kRange = xml::kEmpty;
+const xml::Attrs& kOptionHeader = xml::kEmptyOptions;
 const xml::Attrs kNameLimits{{"DataType", ""}, {"Min", ""}, {"Max", ""}};
-
-// Range read: the six attributes; step is kept. A missing element keeps `out`.
-void readRangeValue(const QDomElement& e, s_RangeValue& out) {
-    xml::update(e, kRange, out);
-}
-
-// Option list read: the four header attributes, then "Value" of every child
-// element whatever its name. A missing element keeps `out`.
-void readOptionList(const QDomElement& e, s_OptionList& out) {
-    xml::update(e, kOptionHeader, ListFrom::AnyChild, out);
-}
 
 // "Support" and "Editable" of a group's own element.
 void readFlags(const QDomElement& e, qint32& support, qint32& editable) {
@@ -70,10 +61,10 @@ s_Templete readTemplete(const QDomElement& e) {
     const QDomElement name = child(e, "Name");
     t.name = {xml::textAttr(name, "en"), xml::textAttr(name, "zh_CN")};
     const QDomElement size = child(e, "PhysicalSize");
-    readRangeValue(child(size, "DotPitch"), t.physicalSize.dotPitch);
-    readRangeValue(child(size, "Width"), t.physicalSize.width);
-    readRangeValue(child(size, "Height"), t.physicalSize.height);
-    readOptionList(child(size, "Unit"), t.physicalSize.unit);
+    xml::update(child(size, "DotPitch"), kRange, t.physicalSize.dotPitch);
+    xml::update(child(size, "Width"), kRange, t.physicalSize.width);
+    xml::update(child(size, "Height"), kRange, t.physicalSize.height);
+    xml::update(child(size, "Unit"), kOptionHeader, ListFrom::AnyChild, t.physicalSize.unit);
     forEachChild(child(e, "Layouts"),
                  [&](const QDomElement& layout) { t.layouts.push_back(readLayout(layout)); });
     return t;
@@ -117,8 +108,8 @@ void readGeneral(const QDomElement& features, s_General& out) {
 // Support, editable and the actual and preset lists of one colour setting.
 void readColorSetting(const QDomElement& e, const char* actual, const char* preset, s_ColorSetting& out) {
     readFlags(e, out.support, out.editable);
-    readOptionList(child(e, actual), out.actual);
-    readOptionList(child(e, preset), out.preset);
+    xml::update(child(e, actual), kOptionHeader, ListFrom::AnyChild, out.actual);
+    xml::update(child(e, preset), kOptionHeader, ListFrom::AnyChild, out.preset);
 }
 
 // A timing axis starts from its defaults; "SyncPolarity" gives only the four
@@ -126,18 +117,18 @@ void readColorSetting(const QDomElement& e, const char* actual, const char* pres
 s_TimingAxis readTimingAxis(const QDomElement& e) {
     s_TimingAxis axis;
     readFlags(e, axis.support, axis.editable);
-    readRangeValue(child(e, "AddTime"), axis.addTime);
-    readRangeValue(child(e, "FrontPorch"), axis.frontPorch);
-    readRangeValue(child(e, "Sync"), axis.sync);
+    xml::update(child(e, "AddTime"), kRange, axis.addTime);
+    xml::update(child(e, "FrontPorch"), kRange, axis.frontPorch);
+    xml::update(child(e, "Sync"), kRange, axis.sync);
     xml::update(child(e, "SyncPolarity"), kOptionHeader, axis.polarity);
-    readRangeValue(child(e, "TotalTime"), axis.totalTime);
+    xml::update(child(e, "TotalTime"), kRange, axis.totalTime);
     return axis;
 }
 
 void readTiming(const QDomElement& e, s_Timing& out) {
     readFlags(e, out.support, out.editable);
-    readOptionList(child(e, "Interlaced"), out.interlaced);
-    readRangeValue(child(e, "Refresh"), out.refresh);
+    xml::update(child(e, "Interlaced"), kOptionHeader, ListFrom::AnyChild, out.interlaced);
+    xml::update(child(e, "Refresh"), kRange, out.refresh);
     out.horizontal = readTimingAxis(child(e, "Horizontal"));
     out.vertical = readTimingAxis(child(e, "Vertical"));
 }
@@ -145,9 +136,9 @@ void readTiming(const QDomElement& e, s_Timing& out) {
 void readFeather(const QDomElement& e, s_Feather& out) {
     readFlags(e, out.support, out.editable);
     xml::update(child(e, "Enable"), kOptionHeader, ListFrom::None, out.enable);
-    readOptionList(child(e, "Type"), out.type);
-    readRangeValue(child(e, "Gamma"), out.gamma);
-    readRangeValue(child(e, "Width"), out.width);
+    xml::update(child(e, "Type"), kOptionHeader, ListFrom::AnyChild, out.type);
+    xml::update(child(e, "Gamma"), kRange, out.gamma);
+    xml::update(child(e, "Width"), kRange, out.width);
 }
 
 void readRefOutputPara(const QDomElement& e, s_RefOutputPara& out) {
@@ -158,7 +149,7 @@ void readRefOutputPara(const QDomElement& e, s_RefOutputPara& out) {
     readColorSetting(child(e, "ColorDepths"), "ActualColorDepth", "PresetColorDepth", out.colorDepths);
     readColorSetting(child(e, "ColorSpaces"), "ActualColorSpace", "PresetColorSpace", out.colorSpaces);
     readColorSetting(child(e, "ColorRanges"), "ActualColorRange", "PresetColorRange", out.colorRanges);
-    readOptionList(child(e, "FormatMapping"), out.formatMapping);
+    xml::update(child(e, "FormatMapping"), kOptionHeader, ListFrom::AnyChild, out.formatMapping);
     readTiming(child(e, "Timing"), out.timing);
     readFeather(child(e, "Feather"), out.feather);
 }
@@ -167,29 +158,29 @@ void readRefOutputPara(const QDomElement& e, s_RefOutputPara& out) {
 s_Mosaic readMosaic(const QDomElement& e) {
     s_Mosaic m;
     readFlags(e, m.support, m.editable);
-    readOptionList(child(e, "Type"), m.type);
+    xml::update(child(e, "Type"), kOptionHeader, ListFrom::AnyChild, m.type);
     const QDomElement window = child(e, "Window"); // its own flags are not read
-    readRangeValue(child(window, "X"), m.window.x);
-    readRangeValue(child(window, "Y"), m.window.y);
-    readRangeValue(child(window, "Width"), m.window.width);
-    readRangeValue(child(window, "Height"), m.window.height);
+    xml::update(child(window, "X"), kRange, m.window.x);
+    xml::update(child(window, "Y"), kRange, m.window.y);
+    xml::update(child(window, "Width"), kRange, m.window.width);
+    xml::update(child(window, "Height"), kRange, m.window.height);
     readRefOutputPara(child(e, "RefOutputPara"), m.refOutputPara);
     return m;
 }
 
 void readTestPattern(const QDomElement& e, s_TestPattern& out) {
     readFlags(e, out.support, out.editable);
-    readOptionList(child(e, "Enable"), out.enable);
-    readOptionList(child(e, "Type"), out.type);
-    readOptionList(child(e, "Bright"), out.bright);
-    readOptionList(child(e, "GridGear"), out.gridGear);
+    xml::update(child(e, "Enable"), kOptionHeader, ListFrom::AnyChild, out.enable);
+    xml::update(child(e, "Type"), kOptionHeader, ListFrom::AnyChild, out.type);
+    xml::update(child(e, "Bright"), kOptionHeader, ListFrom::AnyChild, out.bright);
+    xml::update(child(e, "GridGear"), kOptionHeader, ListFrom::AnyChild, out.gridGear);
     if (const QDomElement grid = child(e, "GridPixel"); !grid.isNull()) {
-        readRangeValue(grid, out.gridPixel);
+        xml::update(grid, kRange, out.gridPixel);
         out.gridPixel.step = xml::doubleAttr(grid, "Coefficient");
     }
-    readOptionList(child(e, "GridType"), out.gridType);
-    readRangeValue(child(e, "GridLineWidth"), out.gridLineWidth);
-    readOptionList(child(e, "Speed"), out.speed);
+    xml::update(child(e, "GridType"), kOptionHeader, ListFrom::AnyChild, out.gridType);
+    xml::update(child(e, "GridLineWidth"), kRange, out.gridLineWidth);
+    xml::update(child(e, "Speed"), kOptionHeader, ListFrom::AnyChild, out.speed);
 }
 
 // Nothing here fails the load; a missing group keeps what `f` held. Only the
@@ -199,17 +190,17 @@ void readFeatures(const QDomElement& e, const Loader& loader, QString& error, s_
     if (const QDomElement mosaic = child(e, "Mosaic"); !mosaic.isNull()) f.mosaic = readMosaic(mosaic);
     const QDomElement background = child(e, "BackgroundColor");
     readFlags(background, f.backgroundColor.support, f.backgroundColor.editable);
-    readRangeValue(child(background, "R"), f.backgroundColor.r);
-    readRangeValue(child(background, "G"), f.backgroundColor.g);
-    readRangeValue(child(background, "B"), f.backgroundColor.b);
+    xml::update(child(background, "R"), kRange, f.backgroundColor.r);
+    xml::update(child(background, "G"), kRange, f.backgroundColor.g);
+    xml::update(child(background, "B"), kRange, f.backgroundColor.b);
     const QDomElement layout = child(e, "Layout");
     readFlags(layout, f.layout.support, f.layout.editable);
-    readRangeValue(child(layout, "X"), f.layout.x);
-    readRangeValue(child(layout, "Y"), f.layout.y);
-    readOptionList(child(e, "PGMEdit"), f.pgmEdit);
-    readOptionList(child(e, "Selected"), f.selected);
+    xml::update(child(layout, "X"), kRange, f.layout.x);
+    xml::update(child(layout, "Y"), kRange, f.layout.y);
+    xml::update(child(e, "PGMEdit"), kOptionHeader, ListFrom::AnyChild, f.pgmEdit);
+    xml::update(child(e, "Selected"), kOptionHeader, ListFrom::AnyChild, f.selected);
     xml::expect(e, "ImageQuality", error, loader);
-    readOptionList(child(e, "Freeze"), f.freeze);
+    xml::update(child(e, "Freeze"), kOptionHeader, ListFrom::AnyChild, f.freeze);
     xml::expect(e, "FTB", error, loader);
     readTestPattern(xml::expect(e, "TestPattern", error, loader), f.testPattern);
     for (const char* name : {"SwitchEffect", "Tbar", "HDR", "Genlock"})

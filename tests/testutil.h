@@ -12,6 +12,11 @@
 #include <QtTest/QtTest>
 #include <QtXml/QDomDocument>
 
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
 namespace test {
 
 // A path under the shipped sample configuration (share/config/...).
@@ -134,4 +139,76 @@ template <class Load> QString loadProblems(Load load) {
     return problems.join("; ");
 }
 
+// ---- whole-record comparison ------------------------------------------------
+
+template <class T, class = void> struct IsRecord : std::false_type {};
+template <class T>
+struct IsRecord<T, std::void_t<decltype(std::declval<const T&>().fields())>> : std::true_type {};
+template <class T, class = void> struct IsList : std::false_type {};
+template <class T>
+struct IsList<
+    T, std::void_t<decltype(std::declval<const T&>().size()), decltype(std::declval<const T&>().begin())>>
+    : std::true_type {};
+
+template <class T> QString valueText(const T& v) {
+    if constexpr (std::is_enum_v<T>)
+        return QString::number(static_cast<qlonglong>(v));
+    else if constexpr (std::is_arithmetic_v<T>)
+        return QString::number(v);
+    else if constexpr (std::is_same_v<T, std::string>)
+        return '"' + QString::fromStdString(v) + '"';
+    else if constexpr (std::is_same_v<T, QString>)
+        return '"' + v + '"';
+    else if constexpr (std::is_pointer_v<T>)
+        return v ? QStringLiteral("(pointer)") : QStringLiteral("null");
+    else
+        return QStringLiteral("(value)");
+}
+
+template <class T> QString difference(const T& a, const T& b, const QString& at);
+
+template <class Fields, std::size_t... I>
+QString fieldDifference(const Fields& fa, const Fields& fb, const QString& at, std::index_sequence<I...>) {
+    QString found;
+    ((found.isEmpty()
+          ? void(found = difference(std::get<I>(fa), std::get<I>(fb), at + QStringLiteral(".#%1").arg(I)))
+          : void()),
+     ...);
+    return found;
+}
+
+// Where `a` and `b` first differ, as "path: a-value vs b-value"; empty when
+// they are equal. Records are walked through their field list
+// (LCD_RECORD_FIELDS; fields named by position, "#0" the first), lists
+// element by element.
+template <class T> QString difference(const T& a, const T& b, const QString& at) {
+    if constexpr (IsRecord<T>::value) {
+        const auto fa = a.fields();
+        return fieldDifference(fa, b.fields(), at,
+                               std::make_index_sequence<std::tuple_size_v<decltype(fa)>>{});
+    } else if constexpr (IsList<T>::value && !std::is_same_v<T, std::string> && !std::is_same_v<T, QString>) {
+        if (a.size() != b.size())
+            return at +
+                   QStringLiteral(": %1 elements vs %2").arg(qlonglong(a.size())).arg(qlonglong(b.size()));
+        auto ib = b.begin();
+        int index = 0;
+        for (auto ia = a.begin(); ia != a.end(); ++ia, ++ib, ++index)
+            if (const QString d = difference(*ia, *ib, at + QStringLiteral("[%1]").arg(index)); !d.isEmpty())
+                return d;
+        return {};
+    } else {
+        if (a == b) return {};
+        return at + ": " + valueText(a) + " vs " + valueText(b);
+    }
+}
+
 } // namespace test
+
+// QCOMPARE for whole records: a failure names the first differing field with
+// both values ("r.#5: 0 vs 255").
+#define LCD_COMPARE_RECORDS(actual, expected)                                                                \
+    do {                                                                                                     \
+        const QString lcdDifference = test::difference((actual), (expected), QStringLiteral(#actual));       \
+        if (!lcdDifference.isEmpty() || !((actual) == (expected)))                                           \
+            QFAIL(qPrintable(QStringLiteral("records differ at ") + lcdDifference));                         \
+    } while (false)

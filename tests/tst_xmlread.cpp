@@ -61,8 +61,75 @@ private Q_SLOTS:
             QVERIFY(readRangeStrict(e, "R", r, error,
                                     {"Support", "Editable", "Value", "Min", "Max", "DataType"}));
         }
-        QCOMPARE(r, expected);
+        LCD_COMPARE_RECORDS(r, expected);
         QCOMPARE(r.step, 1.0);
+    }
+
+    // The in-place conversion gives exactly what QString::toInt gives, for
+    // the texts of every attribute shipped and for the tricky ones below.
+    void decimalIsToInt_data() {
+        QTest::addColumn<QString>("text");
+        QDirIterator files(test::sharedConfig(QString()), {"*.xml"}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        QSet<QString> shipped;
+        while (files.hasNext()) {
+            QFile file(files.next());
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QDomDocument doc = test::document(file.readAll());
+            std::function<void(const QDomElement&)> collect = [&](const QDomElement& e) {
+                const QDomNamedNodeMap attributes = e.attributes();
+                for (int a = 0; a < attributes.size(); ++a)
+                    shipped.insert(attributes.item(a).nodeValue());
+                for (QDomElement c = e.firstChildElement(); !c.isNull(); c = c.nextSiblingElement())
+                    collect(c);
+            };
+            collect(doc.documentElement());
+        }
+        QVERIFY(shipped.size() > 50);
+        for (const QString& text : shipped)
+            QTest::newRow(qPrintable("shipped '" + text + "'")) << text;
+        const char* tricky[] = {"",
+                                "-",
+                                "+",
+                                "+7",
+                                "-0",
+                                "007",
+                                " 7",
+                                "7 ",
+                                "\t7\n",
+                                "7a",
+                                "0x10",
+                                "1e3",
+                                "1.0",
+                                "1,000",
+                                "--1",
+                                "999999999",
+                                "-999999999",
+                                "2147483647",
+                                "2147483648",
+                                "-2147483648",
+                                "-2147483649",
+                                "99999999999",
+                                "0000000000012",
+                                "\xc2\xa0"
+                                "5",
+                                "\xd9\xa3"};
+        for (const char* text : tricky)
+            QTest::newRow(qPrintable(QStringLiteral("tricky '%1'").arg(QString::fromUtf8(text))))
+                << QString::fromUtf8(text);
+    }
+
+    void decimalIsToInt() {
+        QFETCH(QString, text);
+        bool expectedOk = false, ok = !expectedOk;
+        const qint32 expected = text.toInt(&expectedOk);
+        QCOMPARE(decimal(text, &ok), expected);
+        QCOMPARE(ok, expectedOk);
+        const QByteArray latin = text.toLatin1();
+        if (QString::fromLatin1(latin) == text) { // the defaults' form
+            QCOMPARE(decimal(latin.constData(), &ok), expected);
+            QCOMPARE(ok, expectedOk);
+        }
     }
 
     void transactionCommitsOnlyComplete() {

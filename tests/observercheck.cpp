@@ -1,0 +1,43 @@
+// Linked into every test: with LCD_TEST_OBSERVER set (CTest runs every test
+// a second time so), a checking observer is attached to every load of the
+// run. It stops the test when a reported number is not what QString::toInt
+// gives for the text read, or a missing lookup has no parent.
+
+#include <QtCore/QByteArray>
+#include <QtCore/QtGlobal>
+
+#include "common/loadobserver.h"
+
+namespace {
+
+using namespace LCD::ConfigModel;
+
+class CheckingObserver : public LoadObserver {
+public:
+    void elementMissing(const QDomElement& parent, const char* name) override {
+        if (parent.isNull() || !name) qFatal("observer: a missing lookup without parent or name");
+    }
+    void attributeRead(const AttributeRead& r) override {
+        if (r.element.isNull() || !r.name || !r.def)
+            qFatal("observer: an attribute read without element or name");
+        if (!r.present && !r.raw.isEmpty()) qFatal("observer: text for the absent attribute %s", r.name);
+        if (r.kind != ReadKind::Int) return;
+        bool ok = false;
+        const int expected = (r.present ? r.raw : QString::fromLatin1(r.def)).toInt(&ok);
+        if (r.stored != QString::number(expected) || r.validNumber != ok)
+            qFatal("observer: %s='%s' stored as %s (valid %d), QString::toInt gives %d (valid %d)", r.name,
+                   qPrintable(r.raw), qPrintable(r.stored), int(r.validNumber), expected, int(ok));
+    }
+};
+
+struct Attach {
+    CheckingObserver observer;
+    Attach() {
+        if (!qEnvironmentVariableIsEmpty("LCD_TEST_OBSERVER")) setLoadObserver(&observer);
+    }
+    ~Attach() {
+        if (loadObserver() == &observer) setLoadObserver(nullptr);
+    }
+} g_attach;
+
+} // namespace
