@@ -167,24 +167,33 @@ template <class T> QString valueText(const T& v) {
 
 template <class T> QString difference(const T& a, const T& b, const QString& at);
 
+// A record's field names as its LCD_RECORD_FIELDS list writes them (a base
+// record's part reads "static_cast<const Base&>(*this)": named "base").
+inline QStringList fieldNames(const char* list) {
+    QStringList names;
+    for (const QString& name : QString::fromLatin1(list).split(QLatin1Char(',')))
+        names << (name.contains(QLatin1Char('<')) ? QStringLiteral("base") : name.trimmed());
+    return names;
+}
+
 template <class Fields, std::size_t... I>
-QString fieldDifference(const Fields& fa, const Fields& fb, const QString& at, std::index_sequence<I...>) {
+QString fieldDifference(const Fields& fa, const Fields& fb, const QString& at, const QStringList& names,
+                        std::index_sequence<I...>) {
     QString found;
-    ((found.isEmpty()
-          ? void(found = difference(std::get<I>(fa), std::get<I>(fb), at + QStringLiteral(".#%1").arg(I)))
-          : void()),
+    ((found.isEmpty() ? void(found = difference(std::get<I>(fa), std::get<I>(fb),
+                                                at + QLatin1Char('.') + names.value(int(I))))
+                      : void()),
      ...);
     return found;
 }
 
 // Where `a` and `b` first differ, as "path: a-value vs b-value"; empty when
 // they are equal. Records are walked through their field list
-// (LCD_RECORD_FIELDS; fields named by position, "#0" the first), lists
-// element by element.
+// (LCD_RECORD_FIELDS), lists element by element.
 template <class T> QString difference(const T& a, const T& b, const QString& at) {
     if constexpr (IsRecord<T>::value) {
         const auto fa = a.fields();
-        return fieldDifference(fa, b.fields(), at,
+        return fieldDifference(fa, b.fields(), at, fieldNames(T::fieldNames()),
                                std::make_index_sequence<std::tuple_size_v<decltype(fa)>>{});
     } else if constexpr (IsList<T>::value && !std::is_same_v<T, std::string> && !std::is_same_v<T, QString>) {
         if (a.size() != b.size())
@@ -205,7 +214,7 @@ template <class T> QString difference(const T& a, const T& b, const QString& at)
 } // namespace test
 
 // QCOMPARE for whole records: a failure names the first differing field with
-// both values ("r.#5: 0 vs 255").
+// both values ("r.max: 0 vs 255").
 #define LCD_COMPARE_RECORDS(actual, expected)                                                                \
     do {                                                                                                     \
         const QString lcdDifference = test::difference((actual), (expected), QStringLiteral(#actual));       \

@@ -5,8 +5,9 @@
 //
 // Every record names its fields once, in declaration order, inside its body:
 //     LCD_RECORD_FIELDS(s_Pair, first, second)
-// gives `fields()` (a tuple of references to them) and == / != over all of
-// them, as hidden friends: found for the record and records derived from it,
+// gives `fields()` (a tuple of references to them), `fieldNames()` (the same
+// list as written, "first, second") and == / != over all of them, as hidden
+// friends: found for the record and records derived from it,
 // never for other types of the namespace. A list that misses a field fails to
 // build (the record is larger than its listed fields), unless the field is
 // small enough to sit in padding. A record that adds fields to a base record
@@ -32,7 +33,11 @@
     }                                                                                                        \
     friend bool operator!=(const Type& lhs, const Type& rhs) {                                               \
         return !(lhs.fields() == rhs.fields());                                                              \
+    }                                                                                                        \
+    static constexpr const char* fieldNames() {                                                              \
+        return LCD_RECORD_FIELD_TEXT(__VA_ARGS__);                                                           \
     }
+#define LCD_RECORD_FIELD_TEXT(...) #__VA_ARGS__
 
 #define LCD_DERIVED_RECORD_FIELDS(Type, Base, ...)                                                           \
     LCD_RECORD_FIELDS(Type, static_cast<const Base&>(*this), __VA_ARGS__)

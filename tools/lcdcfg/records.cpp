@@ -1,31 +1,3 @@
-// The records are read in this file with one addition: LCD_RECORD_FIELDS also
-// spells its field list out as text, lcdcfgFieldNames(), and that is how the
-// walker below names fields. The addition is a static member function: the
-// records' layout, fields() and == stay exactly what the library's definition
-// gives (the body below repeats it), and no other file sees the addition. The
-// shared value records come with the macro itself, before it can be redefined:
-// their names are listed below, checked against their fields() by count.
-#include "lcdconfigmodel/values.h"
-
-#undef LCD_RECORD_FIELDS
-#define LCDCFG_TEXT(...) #__VA_ARGS__
-#define LCD_RECORD_FIELDS(Type, ...)                                                                         \
-    auto fields() const {                                                                                    \
-        auto all = std::tie(__VA_ARGS__);                                                                    \
-        static_assert(::LCD::ConfigModel::detail::namesEveryField<Type, decltype(all)>(),                    \
-                      "LCD_RECORD_FIELDS(" #Type ", ...) must name every field of the record");              \
-        return all;                                                                                          \
-    }                                                                                                        \
-    friend bool operator==(const Type& lhs, const Type& rhs) {                                               \
-        return lhs.fields() == rhs.fields();                                                                 \
-    }                                                                                                        \
-    friend bool operator!=(const Type& lhs, const Type& rhs) {                                               \
-        return !(lhs.fields() == rhs.fields());                                                              \
-    }                                                                                                        \
-    static constexpr const char* lcdcfgFieldNames() {                                                        \
-        return LCDCFG_TEXT(__VA_ARGS__);                                                                     \
-    }
-
 #include "lcdconfigmodel.h"
 
 #include "tools/lcdcfg/records.h"
@@ -42,39 +14,11 @@ using namespace LCD::ConfigModel;
 
 namespace {
 
-// The shared value records (values.h); a record derived from one without
-// fields of its own (Screen::s_Ftb, ...) finds its base's list.
-constexpr const char* valueNames(const s_RangeValue*) {
-    return "support, editable, value, dataType, min, max, step";
-}
-constexpr const char* valueNames(const s_SupportInfo*) {
-    return "support, editable";
-}
-constexpr const char* valueNames(const EnumValue*) {
-    return "value";
-}
-constexpr const char* valueNames(const s_EnumStringValue*) {
-    return "value, name";
-}
-constexpr const char* valueNames(const s_OptionList*) {
-    return "support, editable, value, dataType, values";
-}
-constexpr const char* valueNames(const s_ValueSetting*) {
-    return "support, editable, value, dataType";
-}
-constexpr const char* valueNames(const s_TextRange*) {
-    return "support, editable, text, dataType, min, max";
-}
-
+// Every record spells its field list out (LCD_RECORD_FIELDS); a record
+// derived from another without fields of its own finds its base's list.
 template <class T, class = void> struct Named : std::false_type {};
-template <class T> struct Named<T, std::void_t<decltype(T::lcdcfgFieldNames())>> : std::true_type {
-    static constexpr const char* names() { return T::lcdcfgFieldNames(); }
-};
-template <class T>
-struct Named<
-    T, std::enable_if_t<!std::is_void_v<T>, std::void_t<decltype(valueNames(std::declval<const T*>()))>>>
-    : std::true_type {
-    static constexpr const char* names() { return valueNames(static_cast<const T*>(nullptr)); }
+template <class T> struct Named<T, std::void_t<decltype(T::fieldNames())>> : std::true_type {
+    static constexpr const char* names() { return T::fieldNames(); }
 };
 
 constexpr std::size_t countNames(const char* list) {
