@@ -1,7 +1,8 @@
 # The two commands of the README. Both install what is missing on a Debian 12
 # machine first. `make demo` builds only the library and the tool, in build/;
 # `make test` builds and runs everything twice: a Release tree (build-release/)
-# and a Debug tree with ASan + UBSan (build-asan/), warnings as errors in both.
+# and a Debug tree with ASan + UBSan (build-asan/), then the thread test under
+# TSan (build-tsan/); warnings are errors in all three.
 PACKAGES := cmake g++ make qtbase5-dev pkg-config
 # Only the tests need these: the report is rendered in a real browser.
 TEST_PACKAGES := chromium-headless-shell
@@ -15,7 +16,7 @@ CONFIGURE = out=$$(cmake -S . $(LAUNCHER) $(1) 2>&1) || { echo "$$out"; exit 1; 
 
 MAKEFLAGS += --no-print-directory
 
-.PHONY: all deps test-deps configure build build-release build-asan demo test test-plain test-asan bench fuzz clean
+.PHONY: all deps test-deps configure build build-release build-asan build-tsan demo test test-plain test-asan test-tsan bench fuzz clean
 
 all: build
 
@@ -45,6 +46,14 @@ build-asan: deps
 	@$(call CONFIGURE,-B build-asan -DCMAKE_BUILD_TYPE=Debug -DLCD_SANITIZE=ON -DLCD_WERROR=ON)
 	cmake --build build-asan -j $(JOBS)
 
+# ThreadSanitizer: the library and the singleton test only (Qt itself is not
+# instrumented; tests/tsan.supp names what is suppressed and why).
+TSAN_FLAGS := -fsanitize=thread -fno-omit-frame-pointer
+build-tsan: deps
+	@$(call CONFIGURE,-B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLCD_WERROR=ON -DCMAKE_CXX_FLAGS="$(TSAN_FLAGS)" \
+	    -DCMAKE_EXE_LINKER_FLAGS="$(TSAN_FLAGS)" -DCMAKE_SHARED_LINKER_FLAGS="$(TSAN_FLAGS)")
+	cmake --build build-tsan -j $(JOBS) --target tst_singleton
+
 demo: configure
 	@echo "building the library and lcdcfg in build/"
 	@cmake --build build -j $(JOBS) --target lcdcfg
@@ -57,26 +66,41 @@ test-plain: test-deps build-release
 test-asan: build-asan
 	cd build-asan && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
 	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp \
+	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp LCD_TEST_SIBLINGS=100000 \
 	    ctest --output-on-failure -j $(JOBS) -LE browser # the browser is not instrumented
 
-test: test-plain test-asan
+test-tsan: build-tsan
+	cd build-tsan && TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 suppressions=$(CURDIR)/tests/tsan.supp" \
+	    ctest --output-on-failure -R '^tst_singleton$$'
+
+test: test-plain test-asan test-tsan
 
 bench: configure
 	cmake --build build -j $(JOBS) --target bench_load
 	./build/bench/bench_load $(CONFIG)
 
-# The libFuzzer run (clang): seeds from fuzz/corpus, new inputs kept in
-# build-fuzz/corpus, a crashing input written to build-fuzz/crash-*.
-FUZZ_TIME ?= 120
+# The libFuzzer runs (clang), one per reader (LCD_FUZZ_READER, see
+# fuzz/fuzz_loaders.cpp), FUZZ_TIME seconds each: seeds are that reader's
+# files of fuzz/corpus and every regression, new inputs are kept in
+# build-fuzz/corpus-N, the log in build-fuzz/fuzz-N.log and a crashing input
+# in build-fuzz/reader-N-crash-*.
+FUZZ_TIME ?= 60
+FUZZ_READERS ?= 0 1 2 3 4 5 6 7 8 9 10
 fuzz:
 	$(MAKE) deps PACKAGES="$(PACKAGES) clang libclang-rt-14-dev"
 	fuzz/make_seeds.sh
 	CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DLCD_FUZZ=ON -DLCD_BUILD_TESTS=OFF
 	cmake --build build-fuzz -j $(JOBS) --target fuzz_loaders
-	mkdir -p build-fuzz/corpus
-	./build-fuzz/fuzz/fuzz_loaders -max_total_time=$(FUZZ_TIME) -dict=fuzz/loaders.dict \
-	    -artifact_prefix=build-fuzz/ -print_final_stats=1 build-fuzz/corpus fuzz/corpus fuzz/regressions
+	@for r in $(FUZZ_READERS); do \
+	    rm -rf build-fuzz/seeds-$$r; mkdir -p build-fuzz/seeds-$$r build-fuzz/corpus-$$r; \
+	    cp fuzz/corpus/$$r-* fuzz/regressions/* build-fuzz/seeds-$$r/; \
+	    echo "reader $$r: $(FUZZ_TIME) s"; \
+	    LCD_FUZZ_READER=$$r ./build-fuzz/fuzz/fuzz_loaders -max_total_time=$(FUZZ_TIME) -timeout=10 \
+	        -rss_limit_mb=2048 -dict=fuzz/loaders.dict -artifact_prefix=build-fuzz/reader-$$r- \
+	        -print_final_stats=1 build-fuzz/corpus-$$r build-fuzz/seeds-$$r >build-fuzz/fuzz-$$r.log 2>&1 \
+	        || { tail -40 build-fuzz/fuzz-$$r.log; exit 1; }; \
+	    grep -E 'DONE|stat::number_of_executed_units|stat::average_exec_per_sec' build-fuzz/fuzz-$$r.log; \
+	done
 
 clean:
-	rm -rf build build-release build-asan build-fuzz
+	rm -rf build build-release build-asan build-tsan build-fuzz

@@ -8,7 +8,12 @@
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QXmlStreamReader>
 
+#include <cerrno>
 #include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace LCD {
 namespace ConfigModel {
@@ -23,6 +28,11 @@ const char kUiRootMismatch[] = "This file is not a valid configuration file.";
 const char kUiVersionMismatch[] = "This file is not a valid configuration file of version 1.0 .";
 const char kPathWithName[] = "Invalid file path!\n%1";
 const char kPathPlain[] = "Invalid file path!";
+
+QString tooLargeMessage() {
+    return QStringLiteral("the file is larger than %1 MiB; description files are read up to that size")
+        .arg(kMaxDocumentSize / (1024 * 1024));
+}
 
 QString nestingMessage() {
     return QStringLiteral("element nesting is deeper than %1 levels; the file is rejected")
@@ -261,20 +271,77 @@ bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocumen
     return parse(data, loader, doc, error, line, column);
 }
 
+namespace {
+
+enum class ReadResult { Ok, OpenFailed, TooLarge };
+
+// Closes the descriptor whatever way the read ends.
+struct Descriptor {
+    int fd;
+    ~Descriptor() {
+        if (fd >= 0) ::close(fd);
+    }
+};
+
+// Reads a regular file of at most kMaxDocumentSize bytes. The file is opened
+// without blocking (a FIFO opens at once) and the type of what was opened is
+// checked, not the type of the name: FIFOs, devices, sockets and directories
+// are refused, and so is a file whose size is over the limit, before and
+// while it is read (it may grow in between).
+ReadResult readBounded(const QString& path, QByteArray& data) {
+    const Descriptor file{::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)};
+    if (file.fd < 0) return ReadResult::OpenFailed;
+    struct stat status;
+    if (::fstat(file.fd, &status) != 0 || !S_ISREG(status.st_mode)) return ReadResult::OpenFailed;
+    if (status.st_size > kMaxDocumentSize) return ReadResult::TooLarge;
+
+    // One byte more than the size says, so that growth shows without a
+    // second allocation for the common case.
+    qint64 capacity = qMax<qint64>(status.st_size + 1, 4096);
+    data.resize(int(capacity));
+    qint64 filled = 0;
+    for (;;) {
+        if (filled == capacity) {
+            if (capacity > kMaxDocumentSize) return ReadResult::TooLarge;
+            capacity = qMin<qint64>(capacity * 2, kMaxDocumentSize + 1);
+            data.resize(int(capacity));
+        }
+        const ssize_t n = ::read(file.fd, data.data() + filled, size_t(capacity - filled));
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            return ReadResult::OpenFailed;
+        }
+        if (n == 0) break;
+        filled += n;
+    }
+    if (filled > kMaxDocumentSize) return ReadResult::TooLarge;
+    data.resize(int(filled));
+    data.squeeze();
+    return ReadResult::Ok;
+}
+
+} // namespace
+
 bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& doc, QString& error) {
     if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) o->documentStarted(path);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (loader.family.debugOnOpenFailure)
-            QMessageLogger(loader.site.file, loader.site.line, loader.site.function).debug().noquote()
-                << "open file:" << path << " error code:" << file.error();
-        error = loader.text(kOpenFailed).arg(path);
-        reportParsed(path, false, error, 0, 0, doc);
-        return false;
-    }
+    QByteArray data;
     int line = 0;
     int column = 0;
-    const bool ok = parse(file.readAll(), loader, doc, error, line, column);
+    bool ok = false;
+    switch (readBounded(path, data)) {
+    case ReadResult::OpenFailed:
+        if (loader.family.debugOnOpenFailure)
+            QMessageLogger(loader.site.file, loader.site.line, loader.site.function).debug().noquote()
+                << "open file:" << path << " error code:" << int(QFileDevice::OpenError);
+        error = loader.text(kOpenFailed).arg(path);
+        break;
+    case ReadResult::TooLarge:
+        error = loader.text(kParseError).arg(QStringLiteral("0"), QStringLiteral("0"), tooLargeMessage());
+        break;
+    case ReadResult::Ok:
+        ok = parse(data, loader, doc, error, line, column);
+        break;
+    }
     reportParsed(path, ok, error, line, column, doc);
     return ok;
 }

@@ -55,13 +55,18 @@ struct LCD_CONFIGMODEL_EXPORT Loader {
 // Documents nested deeper than this are rejected before a DOM is built.
 constexpr int kMaxDocumentDepth = 256;
 
+// Only regular files of at most this many bytes are read; a larger one is
+// rejected before it is read, with the parse-error text at line 0, column 0.
+constexpr qint64 kMaxDocumentSize = qint64(64) * 1024 * 1024;
+
 // Full single-file load: path check, open, nesting check, parse (namespace
 // processing on), root name, optional "version" equal to "1.0". Returns false
 // with `error` overwritten at the first failure; `error` is untouched on success.
 LCD_CONFIGMODEL_EXPORT bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc,
                                          QString& error);
 
-// Open and parse only (no path or root check), as a directory scan does.
+// Open and parse only (no path or root check), as a directory scan does. A
+// FIFO, device, socket or directory gives the open-failure text at once.
 LCD_CONFIGMODEL_EXPORT bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& doc,
                                               QString& error);
 

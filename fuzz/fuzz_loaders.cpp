@@ -1,9 +1,11 @@
 // One fuzz target for every description-file reader of the library. The first
 // input byte picks the reader (modulo the number of readers), the rest is the
-// document. The per-device parsers get it through parseDocumentData and their
-// by-document overload, as the device registry feeds them; the path-based
-// components read it from a temporary file. After a successful load a few
-// cheap queries walk what was loaded.
+// document; with LCD_FUZZ_READER=N in the environment every input goes to
+// reader N (its first byte still skipped), so that one run covers one kind.
+// The per-device parsers get the document through parseDocumentData and
+// their by-document overload, as the device registry feeds them; the
+// path-based components read it from a temporary file. After a successful
+// load a few cheap queries walk what was loaded.
 //
 // Built with libFuzzer as fuzz_loaders (cmake -DLCD_FUZZ=ON, clang) and, in
 // every build, as fuzz_replay, which runs the corpus and the regressions.
@@ -61,6 +63,13 @@ void keep(size_t value) {
 }
 
 void silence(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+// The reader fixed by LCD_FUZZ_READER, or -1 when the first byte chooses.
+int fixedReader() {
+    bool ok = false;
+    const int n = qEnvironmentVariableIntValue("LCD_FUZZ_READER", &ok);
+    return ok && n >= 0 && n < static_cast<int>(Reader::Count) ? n : -1;
+}
 
 // Where the path-based readers find the input: one file, a card directory
 // that holds nothing but a copy of it, and a connector directory where it
@@ -244,11 +253,13 @@ void queryPrintKeyNo(const QString& file) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const Workspace workspace;
     static const bool quiet = (qInstallMessageHandler(silence), true);
+    static const int fixed = fixedReader();
     (void)quiet;
     if (size == 0) return 0;
 
     const QByteArray bytes(reinterpret_cast<const char*>(data) + 1, static_cast<int>(size - 1));
-    switch (static_cast<Reader>(data[0] % static_cast<uint8_t>(Reader::Count))) {
+    const int reader = fixed >= 0 ? fixed : data[0] % static_cast<uint8_t>(Reader::Count);
+    switch (static_cast<Reader>(reader)) {
     case Reader::Feature:
         parseDevice(bytes, "LCD::ConfigModel::DeviceFeatureConfigManager",
                     &DeviceFeatureConfigManager::parseDeviceFeaturecfg);

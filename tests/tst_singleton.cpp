@@ -1,15 +1,23 @@
 // The process-wide instances of the per-device parsers: one per class, fresh
-// after destroyInstance, and created once however many threads ask first.
+// after destroyInstance, created once however many threads ask first, and
+// parsing into separate records from several threads at once. Also run under
+// ThreadSanitizer (make test-tsan).
 
 #include "device/crosscardconfig.h"
+#include "device/devicefearureconfig.h"
 #include "device/layerconfig.h"
+#include "device/screenconfig.h"
 #include "device/slotconfig.h"
 #include "testutil.h"
 
 #include <QtCore/QThread>
 
 #include <atomic>
+#include <condition_variable>
+#include <functional>
 #include <memory>
+#include <mutex>
+#include <thread>
 
 using namespace LCD::ConfigModel;
 
@@ -18,6 +26,9 @@ struct Parser {
     void* (*instance)();
     void (*destroy)();
     QObject* (*object)();
+    // Reads the class's shipped file through the instance into a fresh
+    // record; true when it equals the first reading.
+    std::function<bool()> parsesShipped;
 };
 Q_DECLARE_METATYPE(Parser)
 
@@ -26,9 +37,47 @@ template <class T> static QObject* asObject() {
     return nullptr;
 }
 
-template <class T> static Parser parser() {
-    return {[]() -> void* { return T::instance(); }, &T::destroyInstance, &asObject<T>};
+template <class T, class Record>
+static Parser parser(bool (T::*parse)(const QString&, QString&, Record&), const char* file) {
+    const QString path = test::sharedConfig(file);
+    const auto read = [=] {
+        Record record;
+        QString error;
+        if (!(T::instance()->*parse)(path, error, record)) qFatal("%s: %s", file, qPrintable(error));
+        return record;
+    };
+    const auto first = std::make_shared<Record>();
+    return {[]() -> void* { return T::instance(); }, &T::destroyInstance, &asObject<T>,
+            [=] {
+                static std::once_flag once;
+                std::call_once(once, [&] { *first = read(); });
+                return read() == *first;
+            }};
 }
+
+// All threads wait until the last one arrives.
+class Barrier {
+public:
+    explicit Barrier(int count) : m_count(count) {}
+    void arriveAndWait() {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        const int round = m_round;
+        if (++m_arrived == m_count) {
+            m_arrived = 0;
+            ++m_round;
+            m_changed.notify_all();
+            return;
+        }
+        m_changed.wait(lock, [&] { return m_round != round; });
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    const int m_count;
+    int m_arrived = 0;
+    int m_round = 0;
+};
 
 class Singleton : public QObject {
     Q_OBJECT
@@ -36,9 +85,16 @@ class Singleton : public QObject {
 private Q_SLOTS:
     void initTestCase_data() {
         QTest::addColumn<Parser>("p");
-        QTest::newRow("slot") << parser<SlotConfigManager>();
-        QTest::newRow("cross-card") << parser<CrosscardConfigManager>();
-        QTest::newRow("layer") << parser<LayerConfigManager>();
+        QTest::newRow("feature") << parser(&DeviceFeatureConfigManager::parseDeviceFeaturecfg,
+                                           "device/29974/29974_feature.xml");
+        QTest::newRow("slot") << parser(&SlotConfigManager::parseDeviceSlotcfg,
+                                        "device/29974/29974_slot.xml");
+        QTest::newRow("cross-card") << parser(&CrosscardConfigManager::parseDeviceCrosscardcfg,
+                                              "device/29974/29974_crosscard.xml");
+        QTest::newRow("layer") << parser(&LayerConfigManager::parseDeviceLayercfg,
+                                         "device/29974/29974_layer_normal.xml");
+        QTest::newRow("screen") << parser(&ScreenConfigManager::parseDeviceScreencfg,
+                                          "device/29974/29974_screen_splice.xml");
     }
 
     void destroyGivesAFreshInstance() {
@@ -62,24 +118,52 @@ private Q_SLOTS:
             std::atomic<int> ready{0};
             std::atomic<bool> go{false};
             void* seen[kThreads] = {};
-            std::vector<std::unique_ptr<QThread>> threads;
+            // std::thread, not QThread: ThreadSanitizer sees a join, not
+            // QThread::wait inside the uninstrumented Qt library.
+            std::vector<std::thread> threads;
             for (int i = 0; i < kThreads; ++i) {
-                threads.emplace_back(QThread::create([&, i] {
+                threads.emplace_back([&, i] {
                     ++ready;
                     while (!go)
                         QThread::yieldCurrentThread();
                     seen[i] = p.instance();
-                }));
-                threads.back()->start();
+                });
             }
             while (ready < kThreads)
                 QThread::yieldCurrentThread();
             go = true;
-            for (auto& t : threads)
-                QVERIFY(t->wait(10000));
+            for (std::thread& t : threads)
+                t.join();
             QVERIFY(std::all_of(seen, seen + kThreads, [&](void* s) { return s == p.instance(); }));
         }
         p.destroy(); // the survivor belongs to a finished thread
+    }
+
+    // Eight threads create the instance at once and parse into records of
+    // their own; between rounds one of them destroys it, while no thread
+    // holds it, and the next round creates it again.
+    void concurrentParsesIntoSeparateRecords() {
+        QFETCH_GLOBAL(Parser, p);
+        constexpr int kThreads = 8;
+        constexpr int kRounds = 10;
+        QVERIFY(p.parsesShipped()); // the first reading, the reference
+        Barrier barrier(kThreads);
+        std::atomic<int> mismatches{0};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < kThreads; ++i) {
+            threads.emplace_back([&, i] {
+                for (int round = 0; round < kRounds; ++round) {
+                    barrier.arriveAndWait();
+                    if (!p.parsesShipped()) ++mismatches;
+                    barrier.arriveAndWait();
+                    if (i == round % kThreads) p.destroy();
+                }
+            });
+        }
+        for (std::thread& t : threads)
+            t.join();
+        QCOMPARE(mismatches.load(), 0);
+        p.destroy();
     }
 };
 

@@ -1,0 +1,615 @@
+// Whatever sits where a description file is expected, every loader ends
+// quickly with the family's text, and the other files of a directory still
+// load. Each load runs in a forked child with a time and memory limit, so a
+// hang, a crash or an exhausted memory fails one row, not the run.
+
+#include "catalogue/connectorconfig.h"
+#include "catalogue/subcardconfig.h"
+#include "common/document.h"
+#include "device/deviceconfig.h"
+#include "hdr/hdrconfig.h"
+#include "testutil.h"
+#include "ui/keycheckconfig.h"
+#include "ui/menuconfig.h"
+#include "ui/printkeynoconfig.h"
+
+#include <QtCore/QDataStream>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QRegularExpression>
+
+#include <cerrno>
+#include <cstring>
+#include <functional>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pwd.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace LCD::ConfigModel;
+
+// Puts a hostile entry at `path`; `sample` is a good file of the kind.
+using Make = std::function<void(const QString& path, const QByteArray& sample)>;
+Q_DECLARE_METATYPE(Make)
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true; // the shadow memory does not fit an address-space limit
+#else
+constexpr bool kSanitized = false;
+#endif
+
+// ---- one load in a forked child -----------------------------------------------
+
+struct Limits {
+    int seconds = 10;
+    qint64 memory = qint64(2) << 30;
+    bool unprivileged = false; // as "nobody" when the test runs as root
+};
+
+// What the child sent back through its pipe, or why it ended without.
+struct ChildRun {
+    QByteArray output;
+    QString failure;
+};
+
+ChildRun runInChild(const std::function<QByteArray()>& work, const Limits& limits) {
+    int fds[2];
+    if (::pipe2(fds, O_CLOEXEC) != 0) return {{}, QStringLiteral("pipe: %1").arg(std::strerror(errno))};
+    const pid_t pid = ::fork();
+    if (pid < 0) return {{}, QStringLiteral("fork: %1").arg(std::strerror(errno))};
+    if (pid == 0) {
+        ::close(fds[0]);
+        const rlimit cpu{rlim_t(limits.seconds), rlim_t(limits.seconds) + 1};
+        ::setrlimit(RLIMIT_CPU, &cpu);
+        if (!kSanitized) {
+            const rlimit memory{rlim_t(limits.memory), rlim_t(limits.memory)};
+            ::setrlimit(RLIMIT_AS, &memory);
+        }
+        if (limits.unprivileged && ::getuid() == 0) {
+            const passwd* nobody = ::getpwnam("nobody");
+            if (!nobody || ::setgid(nobody->pw_gid) != 0 || ::setuid(nobody->pw_uid) != 0) ::_exit(3);
+        }
+        ::alarm(unsigned(limits.seconds));
+        const QByteArray out = work();
+        for (qint64 sent = 0; sent < out.size();) {
+            const ssize_t n = ::write(fds[1], out.constData() + sent, size_t(out.size() - sent));
+            if (n <= 0 && errno != EINTR) ::_exit(4);
+            sent += qMax<ssize_t>(n, 0);
+        }
+        ::_exit(0);
+    }
+    ::close(fds[1]);
+    ChildRun run;
+    QElapsedTimer timer;
+    timer.start();
+    const qint64 deadline = (limits.seconds + 5) * 1000LL; // the child's own alarm comes first
+    bool timedOut = false;
+    for (;;) {
+        const qint64 left = deadline - timer.elapsed();
+        pollfd p{fds[0], POLLIN, 0};
+        const int ready = left > 0 ? ::poll(&p, 1, int(left)) : 0;
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready <= 0) {
+            timedOut = ready == 0;
+            break;
+        }
+        char buffer[65536];
+        const ssize_t n = ::read(fds[0], buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;
+        run.output.append(buffer, int(n));
+    }
+    ::close(fds[0]);
+    if (timedOut) ::kill(pid, SIGKILL);
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (timedOut)
+        run.failure = QStringLiteral("still running after %1 s").arg(limits.seconds + 5);
+    else if (WIFSIGNALED(status))
+        run.failure =
+            QStringLiteral("killed by signal %1 (%2)").arg(WTERMSIG(status)).arg(strsignal(WTERMSIG(status)));
+    else if (WEXITSTATUS(status) != 0)
+        run.failure = QStringLiteral("exited with %1").arg(WEXITSTATUS(status));
+    return run;
+}
+
+// ---- the loaders of every file kind ------------------------------------------------
+
+// A load's result: returned value, error text, every diagnostic, and whether
+// the records of the directory's good file are there.
+struct Outcome {
+    bool ok = false;
+    QString error;
+    QStringList messages;
+    bool othersLoaded = true;
+};
+
+QByteArray encode(const Outcome& o) {
+    QByteArray bytes;
+    QDataStream(&bytes, QIODevice::WriteOnly) << o.ok << o.error << o.messages << o.othersLoaded;
+    return bytes;
+}
+
+Outcome decode(const QByteArray& bytes) {
+    Outcome o;
+    QDataStream(bytes) >> o.ok >> o.error >> o.messages >> o.othersLoaded;
+    return o;
+}
+
+QStringList* g_messages = nullptr;
+void collect(QtMsgType, const QMessageLogContext&, const QString& text) {
+    if (g_messages) g_messages->append(text);
+}
+
+// `path` is the file, or for a directory kind the directory; `reference` a
+// directory that holds only the good file, to compare the records with.
+using Load = std::function<bool(const QString& path, const QString& reference, QString& error, bool& others)>;
+
+struct Kind {
+    const char* name;
+    const char* sample;   // a shipped file of this kind, under share/config
+    const char* fileName; // the name the hostile entry gets
+    const char* subdir;   // directory kinds: where the entry sits below the loaded path
+    QStringList siblings; // element path from the root to the element repeated a million times
+                          // (empty: no walk of its own)
+    Load load;
+    bool directory() const { return subdir != nullptr; }
+};
+
+template <class Record, class Parse> Load deviceFile(Parse parse) {
+    return [parse](const QString& path, const QString&, QString& error, bool&) {
+        Record record;
+        return (DeviceTessanConfigManager().*parse)(path, error, record);
+    };
+}
+
+// A directory loader; `good` tells whether what the good file brings is in
+// the loaded records as it is when the file is alone.
+template <class Manager, class Good> Load directory(Good good) {
+    return [good](const QString& path, const QString& reference, QString& error, bool& others) {
+        Manager loaded, alone;
+        const bool ok = loaded.readConfig(path, error);
+        QString ignored;
+        others = reference.isEmpty() || (alone.readConfig(reference, ignored) && good(loaded, alone));
+        return ok;
+    };
+}
+
+const QList<Kind>& kinds() {
+    static const QList<Kind> all = {
+        {"feature file",
+         "device/29974/29974_feature.xml",
+         "29974_feature.xml",
+         nullptr,
+         {"Device", "DeviceModes", "Enum"},
+         deviceFile<Feature::s_DeviceFeature>(&DeviceTessanConfigManager::parseDeviceFeaturecfg)},
+        {"slot file",
+         "device/29974/29974_slot.xml",
+         "29974_slot.xml",
+         nullptr,
+         {"Device", "Slots", "InputCardSlots", "Slot"},
+         deviceFile<Slot::s_VrnSolt>(&DeviceTessanConfigManager::parseDeviceSlotcfg)},
+        {"cross-card file",
+         "device/29974/29974_crosscard.xml",
+         "29974_crosscard.xml",
+         nullptr,
+         {"Device", "Subcards", "Subcard"},
+         deviceFile<CrossCard::s_CrossSubcards>(&DeviceTessanConfigManager::parseDeviceCrossCardcfg)},
+        {"layer file",
+         "device/29974/29974_layer_normal.xml",
+         "29974_layer_normal.xml",
+         nullptr,
+         {"Device", "Layers", "Layer", "IsInverse", "Enum"},
+         deviceFile<Layercfg::s_VrnLayer>(&DeviceTessanConfigManager::parseDeviceLayercfg)},
+        {"screen file",
+         "device/29974/29974_screen_splice.xml",
+         "29974_screen_splice.xml",
+         nullptr,
+         {"Device", "Screens", "Screen", "DeviceModes", "DeviceMode"},
+         deviceFile<Screen::s_VrnScreen>(&DeviceTessanConfigManager::parseDeviceScreencfg)},
+        {"device directory",
+         "device/29974/29974_feature.xml",
+         "29974_slot.xml",
+         "29974",
+         {}, // its files are walked as the single device files are
+         directory<DeviceTessanConfigManager>([](const auto& loaded, const auto& alone) {
+             return loaded.DeviceConfigs().size() == 1 &&
+                    loaded.DeviceConfigs()[0].feature == alone.DeviceConfigs()[0].feature;
+         })},
+        {"card catalogue",
+         "subcard/2102_dvi_4in.xml",
+         "zero.xml",
+         "",
+         {"Subcards", "Subcard", "Connectors", "Connector"},
+         directory<SubcardConfigManager>([](const auto& loaded, const auto& alone) {
+             return !loaded.subcardConfig().empty() && loaded.subcardConfig()[0] == alone.subcardConfig()[0];
+         })},
+        {"connector catalogue",
+         "connector/connector_dvi.xml",
+         "zero.xml",
+         "",
+         {"Connectors", "Connector", "FormatMapping", "Value"},
+         directory<ConnectorConfigManager>([](const auto& loaded, const auto& alone) {
+             return !loaded.connectorFiles().empty() &&
+                    loaded.connectorFiles()[0] == alone.connectorFiles()[0];
+         })},
+        {"resolution file",
+         "connector/resolutions.xml",
+         "zero.xml",
+         "",
+         {"ResolutionRatios", "CapacityMode", "Resolution"},
+         directory<ConnectorConfigManager>([](const auto& loaded, const auto& alone) {
+             return loaded.resolution() == alone.resolution();
+         })},
+        {"menu function items",
+         "menu/menufcitems.xml",
+         "menufcitems.xml",
+         nullptr,
+         {"MenuItems", "MenuItem"},
+         [](const QString& path, const QString&, QString& error, bool&) {
+             return MenuConfigManager().readMenuFCItems(path, error);
+         }},
+        {"menu tree",
+         "menu/menuitems.xml",
+         "menuitems.xml",
+         nullptr,
+         {"MenuBar", "MenuItem"},
+         [](const QString& path, const QString&, QString& error, bool&) {
+             return MenuConfigManager().readMenuItems(path, error);
+         }},
+        {"HDR option file",
+         "func/hdr/lcdhdrinputconfig.xml",
+         "lcdhdrinputconfig.xml",
+         nullptr,
+         {"Key", "ValueInfo", "SupportValue"},
+         [](const QString& path, const QString&, QString& error, bool&) {
+             HDROptionTable table;
+             return HDRConfig().readConfig(path, error, table);
+         }},
+        {"key-check list",
+         "ui/checklist.xml",
+         "checklist.xml",
+         nullptr,
+         {"LcdKeys", "Key"},
+         [](const QString& path, const QString&, QString& error, bool&) {
+             return KeyCheckConfig().readConfig(path, error);
+         }},
+        {"print key numbers",
+         "ui/printkeynoconfig.xml",
+         "printkeynoconfig.xml",
+         nullptr,
+         {"Device", "Subcard", "Key"},
+         [](const QString& path, const QString&, QString& error, bool&) {
+             return PrintKeyNoConfig().readConfig(path, error);
+         }},
+    };
+    return all;
+}
+
+Outcome loadOnce(const Kind& kind, const QString& path, const QString& reference) {
+    Outcome o;
+    g_messages = &o.messages;
+    qInstallMessageHandler(collect);
+    o.ok = kind.load(path, reference, o.error, o.othersLoaded);
+    qInstallMessageHandler(nullptr);
+    g_messages = nullptr;
+    return o;
+}
+
+// ---- hostile entries ------------------------------------------------------------
+
+void write(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+Make bytes(const QByteArray& content) {
+    return [content](const QString& path, const QByteArray&) { write(path, content); };
+}
+
+Make transformed(std::function<QByteArray(const QByteArray&)> f) {
+    return [f](const QString& path, const QByteArray& sample) { write(path, f(sample)); };
+}
+
+Make symlinkTo(const QString& target) {
+    return [target](const QString& path, const QByteArray&) {
+        if (::symlink(QFile::encodeName(target).constData(), QFile::encodeName(path).constData()) != 0)
+            qFatal("symlink %s", std::strerror(errno));
+    };
+}
+
+// The sample with `text` inserted as the first attribute of the root.
+QByteArray withRootAttribute(const QByteArray& sample, const QByteArray& text) {
+    QXmlStreamReader reader(sample);
+    while (!reader.atEnd() && reader.readNext() != QXmlStreamReader::StartElement) {
+    }
+    const QByteArray start = '<' + reader.qualifiedName().toUtf8();
+    const int at = sample.indexOf(start) + start.size();
+    return sample.left(at) + ' ' + text + sample.mid(at);
+}
+
+// The sample with `doctype` after its XML declaration.
+QByteArray withDoctype(const QByteArray& sample, const QByteArray& doctype) {
+    const int at = sample.startsWith("<?xml") ? sample.indexOf("?>") + 2 : 0;
+    return sample.left(at) + doctype + sample.mid(at);
+}
+
+QByteArray utf16(const QByteArray& sample, bool byteOrderMark) {
+    QString text = QString::fromUtf8(sample);
+    text.replace(QLatin1String("encoding=\"UTF-8\""), QLatin1String("encoding=\"UTF-16\""));
+    QByteArray out = byteOrderMark ? QByteArray("\xFF\xFE", 2) : QByteArray();
+    out.append(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+    return out;
+}
+
+const char kSecret[] = "secret-d0c5-6f1e";
+
+QByteArray sampleOf(const Kind& kind) {
+    QFile file(test::sharedConfig(kind.sample));
+    if (!file.open(QIODevice::ReadOnly)) qFatal("cannot read %s", kind.sample);
+    return file.readAll();
+}
+
+// The sample with the element at `path` replaced by `count` copies of it,
+// without children and with only as many attributes as fit in 48 bytes, so
+// that a million of them stay well below the size limit.
+QByteArray siblingsDocument(const QByteArray& sample, const QStringList& path, int count) {
+    QDomDocument doc = test::document(sample);
+    QDomElement element = doc.documentElement();
+    for (const QString& name : path)
+        element = element.firstChildElement(name);
+    if (element.isNull()) qFatal("no element %s", qPrintable(path.join('/')));
+    QDomElement shallow = element.cloneNode(false).toElement();
+    QString text;
+    for (;;) {
+        text.clear();
+        QTextStream stream(&text);
+        shallow.save(stream, -1);
+        stream.flush();
+        const QDomNamedNodeMap attributes = shallow.attributes();
+        if (text.size() <= 48 || attributes.isEmpty()) break;
+        shallow.removeAttribute(attributes.item(attributes.length() - 1).nodeName());
+    }
+    element.parentNode().replaceChild(doc.createComment(QStringLiteral("SIBLINGS")), element);
+    return doc.toByteArray(-1).replace("<!--SIBLINGS-->", text.toUtf8().repeated(count));
+}
+
+// Kinds whose walk is still worse than linear on this branch; their rows
+// run when LCD_TEST_QUADRATIC_WALKS is set.
+const QStringList kQuadraticWalks = {};
+
+} // namespace
+
+class Hostile : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hostileEntries_data() {
+        QTest::addColumn<Make>("make");
+        QTest::addColumn<QString>("expected"); // a pattern for the error text; %1 the path; empty: loads
+        const QString open = "Fail to open file \\[%1\\]!";
+        const QString parse = "Parse error at line \\d+, column \\d+:\n.+";
+        const QString entity =
+            "Parse error at line \\d+, column \\d+:\nentity declarations are not accepted in "
+            "description files";
+        QTest::newRow("FIFO") << Make([](const QString& path, const QByteArray&) {
+            if (::mkfifo(QFile::encodeName(path).constData(), 0644) != 0) qFatal("mkfifo");
+        }) << open;
+        QTest::newRow("link to /dev/zero") << symlinkTo("/dev/zero") << open;
+        QTest::newRow("link to /dev/urandom") << symlinkTo("/dev/urandom") << open;
+        QTest::newRow("socket") << Make([](const QString& path, const QByteArray&) {
+            const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+            sockaddr_un address{};
+            address.sun_family = AF_UNIX;
+            qstrncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path);
+            if (::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) qFatal("bind");
+            ::close(fd);
+        }) << open;
+        QTest::newRow("directory") << Make([](const QString& path, const QByteArray&) {
+            QDir().mkpath(path);
+        }) << open;
+        QTest::newRow("dangling link") << symlinkTo("/nonexistent/description.xml") << open;
+        QTest::newRow("link loop") << Make([](const QString& path, const QByteArray& sample) {
+            symlinkTo(path + ".loop")(path, sample);
+            symlinkTo(path)(path + ".loop", sample);
+        }) << open;
+        QTest::newRow("no read permission") << Make([](const QString& path, const QByteArray& sample) {
+            write(path, sample);
+            QFile::setPermissions(path, {});
+        }) << open;
+        QTest::newRow("200 MB (sparse)")
+            << Make([](const QString& path, const QByteArray&) {
+                   QFile file(path);
+                   if (!file.open(QIODevice::WriteOnly) || !file.resize(200 << 20)) qFatal("resize");
+               })
+            << "Parse error at line 0, column 0:\nthe file is larger than 64 MiB; description files are read "
+               "up to that size";
+        QTest::newRow("empty") << bytes({}) << "Parse error at line 1, column 1:\nunexpected end of file";
+        QTest::newRow("binary garbage") << Make([](const QString& path, const QByteArray&) {
+            QByteArray noise(65536, 0);
+            QRandomGenerator generator(17);
+            generator.fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+            write(path, noise);
+        }) << parse;
+        QTest::newRow("truncated") << transformed([](const QByteArray& sample) {
+            return sample.left(sample.size() / 2);
+        }) << parse;
+        QTest::newRow("UTF-16 with byte-order mark")
+            << transformed([](const QByteArray& sample) { return utf16(sample, true); }) << QString();
+        QTest::newRow("UTF-16 without byte-order mark")
+            << transformed([](const QByteArray& sample) { return utf16(sample, false); }) << QString();
+        // Read as replacement characters, and as NUL characters in an
+        // attribute no walk reads and in the root's text.
+        QTest::newRow("invalid UTF-8") << transformed([](const QByteArray& sample) {
+            return withRootAttribute(sample, "Junk=\"\xC3\x28\xFF\"");
+        }) << QString();
+        QTest::newRow("NUL bytes") << transformed([](const QByteArray& sample) {
+            const QByteArray nul("\0\0", 2);
+            const QByteArray text = QByteArray(sample).insert(sample.lastIndexOf('<'), nul);
+            return withRootAttribute(text, "Junk=\"a" + nul + "b\"");
+        }) << QString();
+        QTest::newRow("5 MB attribute") << transformed([](const QByteArray& sample) {
+            return withRootAttribute(sample, "Junk=\"" + QByteArray(5 << 20, 'A') + "\"");
+        }) << QString();
+        // Entity declarations are refused, so no entity reaches the parser.
+        QTest::newRow("external entity naming a local file")
+            << Make([](const QString& path, const QByteArray& sample) {
+                   const QString secret = path + ".secret";
+                   write(secret, kSecret);
+                   const QByteArray declaration =
+                       "<!DOCTYPE x [<!ENTITY e SYSTEM \"" + QFile::encodeName(secret) + "\">]>";
+                   write(path, withDoctype(withRootAttribute(sample, "Junk=\"&e;\""), declaration));
+               })
+            << entity;
+        // Never fetched: the load ends within the child's time limit without a network.
+        QTest::newRow("external DTD over the network") << transformed([](const QByteArray& sample) {
+            return withDoctype(sample, "<!DOCTYPE x SYSTEM \"http://192.0.2.1/description.dtd\">");
+        }) << QString();
+        QTest::newRow("external parameter entity over the network")
+            << transformed([](const QByteArray& sample) {
+                   return withDoctype(sample,
+                                      "<!DOCTYPE x [<!ENTITY % p SYSTEM \"http://192.0.2.1/p.dtd\"> %p;]>");
+               })
+            << entity;
+    }
+
+    // Every kind of file, as a single file or beside a good file in its
+    // directory. A directory loader may also leave out what its listing does
+    // not show (a FIFO, a device, a dangling link): it then loads cleanly.
+    void hostileEntries() {
+        QFETCH(Make, make);
+        QFETCH(QString, expected);
+        const bool unprivileged = QByteArray(QTest::currentDataTag()) == "no read permission";
+        for (const Kind& kind : kinds()) {
+            QTemporaryDir root;
+            QFile::setPermissions(root.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
+                                                   QFile::ReadOther | QFile::ExeOther | QFile::ReadGroup |
+                                                   QFile::ExeGroup);
+            QFile sampleFile(test::sharedConfig(kind.sample));
+            QVERIFY(sampleFile.open(QIODevice::ReadOnly));
+            const QByteArray good = sampleFile.readAll();
+            QString loaded = root.filePath("hostile");
+            QString reference;
+            QString entry = root.filePath(kind.fileName);
+            if (kind.directory()) {
+                // The good file sorts first, so a catalogue that stops at the
+                // first failing file has read it.
+                const QString dir = root.filePath(QStringLiteral("hostile/") + kind.subdir);
+                reference = root.filePath(QStringLiteral("reference"));
+                const QString referenceDir = reference + '/' + kind.subdir;
+                QDir().mkpath(dir);
+                QDir().mkpath(referenceDir);
+                const QString goodName = *kind.subdir ? QFileInfo(kind.sample).fileName() : QString("a.xml");
+                write(dir + '/' + goodName, good);
+                write(referenceDir + '/' + goodName, good);
+                entry = QDir::cleanPath(dir + '/' + kind.fileName);
+            } else {
+                loaded = entry;
+            }
+            make(entry, good);
+
+            const ChildRun run = runInChild([&] { return encode(loadOnce(kind, loaded, reference)); },
+                                            Limits{10, qint64(1) << 30, unprivileged});
+            QVERIFY2(run.failure.isEmpty(), qPrintable(QStringLiteral("%1: %2").arg(kind.name, run.failure)));
+            const Outcome o = decode(run.output);
+            const QString context = QStringLiteral("%1: returned %2, error \"%3\"")
+                                        .arg(kind.name)
+                                        .arg(o.ok)
+                                        .arg(o.error.left(300));
+            const bool skippedByListing = kind.directory() && o.ok && o.error.isEmpty();
+            if (expected.isEmpty() || skippedByListing) {
+                QVERIFY2(o.ok && o.error.isEmpty(), qPrintable(context));
+            } else {
+                const QRegularExpression pattern(
+                    '^' + QString(expected).replace("%1", QRegularExpression::escape(entry)) + '$');
+                QVERIFY2(pattern.match(o.error).hasMatch(), qPrintable(context));
+                // The device registry skips a file it cannot read.
+                QVERIFY2(o.ok == (QByteArray(kind.name) == "device directory"), qPrintable(context));
+            }
+            QVERIFY2(o.othersLoaded, qPrintable(context + ", the good file's records are missing"));
+            QVERIFY2(!(o.error + o.messages.join('\n')).contains(kSecret), qPrintable(context));
+        }
+    }
+
+    void millionSiblings_data() {
+        QTest::addColumn<int>("kind");
+        for (int i = 0; i < kinds().size(); ++i) {
+            if (!kinds()[i].siblings.isEmpty()) QTest::newRow(kinds()[i].name) << i;
+        }
+    }
+
+    // Every walk is linear in the size of its file: a million siblings of the
+    // kind's repeated element load (read, check, parse, walk) in a small
+    // multiple of the time the same bytes take to parse, measured in the same
+    // child. The parse runs first and so also pays for the first touch of the
+    // memory; the child stops itself at twice the bound. LCD_TEST_SIBLINGS
+    // sets another count.
+    void millionSiblings() {
+        QFETCH(int, kind);
+        const Kind& k = kinds()[kind];
+        if (kQuadraticWalks.contains(k.name) && !qEnvironmentVariableIsSet("LCD_TEST_QUADRATIC_WALKS"))
+            QSKIP("this walk is still worse than linear; set LCD_TEST_QUADRATIC_WALKS to run it");
+        const int factor = kSanitized ? 6 : 3;
+        const int count = qEnvironmentVariableIsSet("LCD_TEST_SIBLINGS")
+                              ? qEnvironmentVariableIntValue("LCD_TEST_SIBLINGS")
+                              : 1000000;
+        const QByteArray xml = siblingsDocument(sampleOf(k), k.siblings, count);
+        QTemporaryDir root;
+        const QString dir = k.directory() ? root.filePath(QStringLiteral("d/") + k.subdir) : root.path();
+        QDir().mkpath(dir);
+        write(dir + '/' + k.fileName, xml);
+        const QString path = k.directory() ? root.filePath("d") : dir + '/' + k.fileName;
+
+        const ChildRun run = runInChild(
+            [&] {
+                QElapsedTimer timer;
+                timer.start();
+                {
+                    QDomDocument doc;
+                    if (!doc.setContent(xml, true)) ::_exit(5);
+                }
+                const qint64 parse = timer.nsecsElapsed();
+                ::alarm(unsigned(2 * factor * parse / 1000000000) + 2);
+                timer.restart();
+                const Outcome o = loadOnce(k, path, {});
+                const qint64 load = timer.nsecsElapsed();
+                QByteArray bytes;
+                QDataStream(&bytes, QIODevice::WriteOnly) << parse << load << o.ok << o.error;
+                return bytes;
+            },
+            Limits{300, qint64(8) << 30, false});
+        QVERIFY2(run.failure.isEmpty(),
+                 qPrintable(run.failure + " (SIGALRM: the load took over twice the bound)"));
+        qint64 parse = 0, load = 0;
+        bool ok = false;
+        QString error;
+        QDataStream(run.output) >> parse >> load >> ok >> error;
+        qInfo("%s: %d bytes, parse %.0f ms, load %.0f ms (%.2fx)", k.name, int(xml.size()), parse / 1e6,
+              load / 1e6, double(load) / double(parse));
+        QVERIFY2(ok, qPrintable(error));
+        QVERIFY2(load <= factor * parse,
+                 qPrintable(QStringLiteral("the load takes more than %1 times the parse").arg(factor)));
+    }
+};
+
+int main(int argc, char** argv) {
+    // A million-sibling row parses tens of megabytes: longer than QtTest's
+    // default limit for one function on a slow machine.
+    if (!qEnvironmentVariableIsSet("QTEST_FUNCTION_TIMEOUT")) qputenv("QTEST_FUNCTION_TIMEOUT", "3600000");
+    QCoreApplication app(argc, argv);
+    Hostile test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_hostile.moc"
