@@ -4,6 +4,7 @@
 // sample configuration, and a recorder for diagnostics.
 
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -54,6 +55,18 @@ inline QByteArray nestedDocument(const QByteArray& root, int depth, const QByteA
         doc += "</e>";
     doc += "</" + root + ">";
     return doc;
+}
+
+// Copies every file below `from` to `to` (parents created); returns `to`.
+inline QString copyTree(const QString& from, const QString& to) {
+    QDirIterator it(from, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString source = it.next();
+        const QString target = to + "/" + QDir(from).relativeFilePath(source);
+        QDir().mkpath(QFileInfo(target).absolutePath());
+        QFile::copy(source, target);
+    }
+    return to;
 }
 
 // One diagnostic as the message logger saw it.

@@ -58,5 +58,6 @@ private:
 // The verbs, one source file each.
 int runPlugin(const QStringList& args);
 int runCheck(const QStringList& args);
+int runLint(const QStringList& args);
 
 } // namespace lcdcfg

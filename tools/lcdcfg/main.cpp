@@ -16,6 +16,7 @@ struct Verb {
 const Verb kVerbs[] = {
     {"plugin", lcdcfg::runPlugin, "print the plug-in record and its components"},
     {"check", lcdcfg::runCheck, "load every component of a configuration tree and report every problem"},
+    {"lint", lcdcfg::runLint, "report what the lenient readers let pass: unread names, numbers read as 0"},
 };
 
 int usage(QTextStream& stream, int code) {
