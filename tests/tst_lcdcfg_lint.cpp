@@ -34,7 +34,7 @@ int lineOf(const QByteArray& text, const QByteArray& marker) {
 
 // Compares `actual` with the golden file tests/data/lcdcfg/`name`;
 // LCD_UPDATE_GOLDEN=1 rewrites it.
-[[maybe_unused]] void compareGolden(const QString& name, const QString& actual) {
+void compareGolden(const QString& name, const QString& actual) {
     const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + name;
     if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
         QFile file(path);
@@ -162,6 +162,23 @@ private Q_SLOTS:
 
         if (code == "hex-number") // the same tree with the rule ignored is clean
             QCOMPARE(lcdcfg({"lint", "--ignore", code, root}).code, 0);
+    }
+
+    // Each answer of the shipped tree against tests/data/lcdcfg/explain-<row>.txt.
+    void explainAnswersWithSources_data() {
+        QTest::addColumn<QStringList>("question");
+        QTest::newRow("slot") << QStringList{"slot", "29974", "9"};
+        QTest::newRow("card") << QStringList{"card", "2103"};
+        QTest::newRow("connector") << QStringList{"connector", "13", "2", "0"};
+        QTest::newRow("feature") << QStringList{"feature", "29974", "features.genlock.type"};
+        QTest::newRow("template") << QStringList{"template", "29974", "2", "1"};
+    }
+
+    void explainAnswersWithSources() {
+        QFETCH(QStringList, question);
+        const Run run = lcdcfg(QStringList{"explain", test::sharedConfig(QString())} + question);
+        QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
+        compareGolden(QStringLiteral("explain-%1.txt").arg(QTest::currentDataTag()), run.out);
     }
 };
 

@@ -59,5 +59,6 @@ private:
 int runPlugin(const QStringList& args);
 int runCheck(const QStringList& args);
 int runLint(const QStringList& args);
+int runExplain(const QStringList& args);
 
 } // namespace lcdcfg

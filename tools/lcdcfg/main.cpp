@@ -16,6 +16,7 @@ struct Verb {
 const Verb kVerbs[] = {
     {"plugin", lcdcfg::runPlugin, "print the plug-in record and its components"},
     {"check", lcdcfg::runCheck, "load every component of a configuration tree and report every problem"},
+    {"explain", lcdcfg::runExplain, "answer a question about a tree, with the file and line of every value"},
     {"lint", lcdcfg::runLint, "report what the lenient readers let pass: unread names, numbers read as 0"},
 };
 
