@@ -180,6 +180,26 @@ private Q_SLOTS:
         QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
         compareGolden(QStringLiteral("explain-%1.txt").arg(QTest::currentDataTag()), run.out);
     }
+
+    // docs/reference/ is what `lcdcfg reference` writes from the shipped tree
+    // and the samples under tests/data/reference/; LCD_UPDATE_GOLDEN=1 rewrites it.
+    void referenceMatchesTheReaders() {
+        QTemporaryDir dir;
+        const QString docs = QStringLiteral(LCD_SOURCE_DIR "/docs/reference");
+        const bool update = qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN");
+        const Run run =
+            lcdcfg({"reference", "--output", update ? docs : dir.path(), test::sharedConfig(QString()),
+                    QStringLiteral(LCD_SOURCE_DIR "/tests/data/reference")});
+        QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
+        if (update) return;
+        QProcess diff;
+        diff.start("diff", {"-ru", docs, dir.path()});
+        diff.waitForFinished();
+        QVERIFY2(diff.exitCode() == 0,
+                 qPrintable("docs/reference differs from the readers (LCD_UPDATE_GOLDEN=1 "
+                            "rewrites it):\n" +
+                            QString::fromUtf8(diff.readAllStandardOutput())));
+    }
 };
 
 QTEST_GUILESS_MAIN(LcdcfgLintTest)

@@ -60,5 +60,6 @@ int runPlugin(const QStringList& args);
 int runCheck(const QStringList& args);
 int runLint(const QStringList& args);
 int runExplain(const QStringList& args);
+int runReference(const QStringList& args);
 
 } // namespace lcdcfg

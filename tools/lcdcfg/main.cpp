@@ -17,6 +17,7 @@ const Verb kVerbs[] = {
     {"plugin", lcdcfg::runPlugin, "print the plug-in record and its components"},
     {"check", lcdcfg::runCheck, "load every component of a configuration tree and report every problem"},
     {"explain", lcdcfg::runExplain, "answer a question about a tree, with the file and line of every value"},
+    {"reference", lcdcfg::runReference, "write the format reference of every file kind from the readers"},
     {"lint", lcdcfg::runLint, "report what the lenient readers let pass: unread names, numbers read as 0"},
 };
 
