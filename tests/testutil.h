@@ -7,6 +7,7 @@
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QList>
+#include <QtCore/QProcess>
 #include <QtCore/QString>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
@@ -67,6 +68,21 @@ inline QString copyTree(const QString& from, const QString& to) {
         QFile::copy(source, target);
     }
     return to;
+}
+
+// The command-line tool run as a user runs it: exit code, output and errors.
+struct Run {
+    int code;
+    QString out;
+    QString err;
+};
+
+inline Run lcdcfg(const QStringList& args) {
+    QProcess process;
+    process.start(QStringLiteral(LCD_TOOL_PATH), args);
+    process.waitForFinished(120000);
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
 }
 
 // One diagnostic as the message logger saw it.

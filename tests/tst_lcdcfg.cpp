@@ -7,19 +7,8 @@
 
 namespace {
 
-struct Run {
-    int code;
-    QString out;
-    QString err;
-};
-
-Run lcdcfg(const QStringList& args) {
-    QProcess process;
-    process.start(QStringLiteral(LCD_TOOL_PATH), args);
-    process.waitForFinished(60000);
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
+using test::lcdcfg;
+using test::Run;
 
 // A copy of the shipped configuration under `dir`/share/config.
 QString copyConfig(const QTemporaryDir& dir) {

@@ -12,19 +12,8 @@
 
 namespace {
 
-struct Run {
-    int code;
-    QString out;
-    QString err;
-};
-
-Run lcdcfg(const QStringList& args) {
-    QProcess process;
-    process.start(QStringLiteral(LCD_TOOL_PATH), args);
-    process.waitForFinished(120000);
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
+using test::lcdcfg;
+using test::Run;
 
 // 1-based line of the first occurrence of `marker` in `text`.
 int lineOf(const QByteArray& text, const QByteArray& marker) {

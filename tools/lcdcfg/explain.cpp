@@ -36,6 +36,12 @@ public:
                const QString& attribute) {
         m_rows.push_back({indent, label, value, sourceOf(m_tree, m_trace, e, attribute)});
     }
+    // Integer fields, each read from the attribute of its name on `e`.
+    void fields(int indent, const QDomElement& e,
+                std::initializer_list<std::pair<const char*, qint32>> list) {
+        for (const auto& [name, v] : list)
+            value(indent, QLatin1String(name), QString::number(v), e, QLatin1String(name));
+    }
     // A value with a given origin.
     void row(int indent, const QString& label, const QString& value, const QString& source) {
         m_rows.push_back({indent, label, value, source});
@@ -170,18 +176,17 @@ int explainCard(const Tree& tree, const Trace& trace, Answer& a, int model) {
             const Subcard::s_Connector& c = card.connectors.connectors[i];
             const QDomElement ce = list.value(int(i));
             a.value(1, QStringLiteral("connector"), num(c.position), ce, QStringLiteral("Position"));
-            const std::pair<const char*, qint32> fields[] = {
-                {"Type", c.type},
-                {"InterfaceType", c.interfaceType},
-                {"Enable", c.enable},
-                {"Visible", c.visible},
-                {"PrintKeyNo", c.printKeyNo},
-                {"CapacityMode", c.capacityMode},
-                {"WorkMode", c.workMode},
-                {"BackupPos", c.backupPos},
-            };
-            for (const auto& [name, value] : fields)
-                a.value(2, QLatin1String(name), num(value), ce, QLatin1String(name));
+            a.fields(2, ce,
+                     {
+                         {"Type", c.type},
+                         {"InterfaceType", c.interfaceType},
+                         {"Enable", c.enable},
+                         {"Visible", c.visible},
+                         {"PrintKeyNo", c.printKeyNo},
+                         {"CapacityMode", c.capacityMode},
+                         {"WorkMode", c.workMode},
+                         {"BackupPos", c.backupPos},
+                     });
         }
         return 0;
     }
@@ -317,18 +322,17 @@ int explainTemplate(const Tree& tree, const Trace& trace, Answer& a, int model, 
                     for (size_t k = 0; k < layout.cells.size(); ++k, ce = ce.nextSiblingElement()) {
                         const Screen::s_Cell& c = layout.cells[k];
                         a.group(2, QStringLiteral("cell %1").arg(k + 1));
-                        const std::pair<const char*, qint32> fields[] = {
-                            {"X", c.x},
-                            {"Y", c.y},
-                            {"Width", c.width},
-                            {"Height", c.height},
-                            {"Row", c.row},
-                            {"Column", c.column},
-                            {"SlotIndex", c.slotIndex},
-                            {"ConnectorIndex", c.connectorIndex},
-                        };
-                        for (const auto& [field, value] : fields)
-                            a.value(3, QLatin1String(field), num(value), ce, QLatin1String(field));
+                        a.fields(3, ce,
+                                 {
+                                     {"X", c.x},
+                                     {"Y", c.y},
+                                     {"Width", c.width},
+                                     {"Height", c.height},
+                                     {"Row", c.row},
+                                     {"Column", c.column},
+                                     {"SlotIndex", c.slotIndex},
+                                     {"ConnectorIndex", c.connectorIndex},
+                                 });
                     }
                 }
                 return 0;
