@@ -3,11 +3,14 @@
 // roots), so the documentation says what the readers read and nothing else.
 
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QMap>
+#include <QtCore/QTemporaryDir>
 
 #include <algorithm>
 #include <climits>
+#include <memory>
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/trace.h"
@@ -52,7 +55,47 @@ struct Node {
     QStringList attributeOrder;
     QHash<QString, Attribute> attributes;
     QStringList children; // paths, first seen first
+    // the first element seen at this path, for the probe that leaves it out
+    int root = -1;
+    QString document;
+    QVector<int> chain;      // child positions from the root element
+    QStringList whenMissing; // what the load reports when it is left out
 };
+
+// Positions among the element children from the root element down to `e`.
+QVector<int> chainOf(QDomElement e) {
+    QVector<int> chain;
+    for (; e.parentNode().isElement(); e = e.parentNode().toElement()) {
+        int i = 0;
+        for (QDomElement s = e.previousSiblingElement(); !s.isNull(); s = s.previousSiblingElement())
+            ++i;
+        chain.prepend(i);
+    }
+    return chain;
+}
+
+QDomElement follow(const QDomDocument& doc, const QVector<int>& chain) {
+    QDomElement e = doc.documentElement();
+    for (int i : chain) {
+        e = e.firstChildElement();
+        for (int k = 0; k < i && !e.isNull(); ++k)
+            e = e.nextSiblingElement();
+    }
+    return e;
+}
+
+// Warnings and the error text of a part's load.
+QStringList messagesOf(const PartLoad& load, const QString& root) {
+    QStringList messages;
+    auto add = [&](QString text) {
+        text.replace(root + QLatin1Char('/'), QString());
+        if (!text.isEmpty() && !messages.contains(text)) messages << text;
+    };
+    add(load.error);
+    for (const Diagnostic& d : load.diagnostics)
+        if (d.type != QtDebugMsg && d.type != QtInfoMsg) add(d.text);
+    return messages;
+}
 
 struct Kind {
     QStringList files;
@@ -79,7 +122,7 @@ void addOnce(QStringList& list, const QString& value) {
     if (!list.contains(value)) list << value;
 }
 
-void record(Kind& kind, const DocumentTrace& d) {
+void record(Kind& kind, const DocumentTrace& d, int root) {
     forEachElement(d.document, [&](const QDomElement& e) {
         const ElementTrace* t = d.at(e);
         const bool isRoot = e.parentNode().isDocument();
@@ -87,7 +130,12 @@ void record(Kind& kind, const DocumentTrace& d) {
         const QString path = elementPath(e);
         const QString parent = isRoot ? QString() : elementPath(e.parentNode().toElement());
         Node& n = kind.node(path, parent);
-        if (!n.read) n.order = ++kind.reached;
+        if (!n.read) {
+            n.order = ++kind.reached;
+            n.root = root;
+            n.document = d.path;
+            n.chain = chainOf(e);
+        }
         n.read = true;
         if (!isRoot) {
             for (QDomElement s = e.previousSiblingElement(e.tagName()); !s.isNull();
@@ -105,6 +153,37 @@ void record(Kind& kind, const DocumentTrace& d) {
         for (const QString& missing : t->missing)
             kind.node(path + QLatin1Char('/') + missing, path);
     });
+}
+
+QStringList probe(const kvchost::PluginHost& host, const Tree& tree, const Trace& trace, const Node& n) {
+    const DocumentTrace* d = trace.document(n.document);
+    const PartLoad* original = nullptr;
+    for (const PartLoad& load : tree.loads())
+        if (load.documents.contains(n.document)) original = &load;
+    if (!d || !original) return {};
+    QTemporaryDir dir;
+    const QString root = dir.path() + QStringLiteral("/config");
+    QDirIterator it(tree.root(), QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString source = it.next();
+        const QString target = root + QLatin1Char('/') + tree.relative(source);
+        QDir().mkpath(QFileInfo(target).absolutePath());
+        QFile::copy(source, target);
+    }
+    QDomDocument copy = d->document.cloneNode(true).toDocument();
+    QDomElement e = follow(copy, n.chain);
+    e.parentNode().removeChild(e);
+    QFile file(root + QLatin1Char('/') + tree.relative(n.document));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return {};
+    file.write(copy.toByteArray(2));
+    file.close();
+    Tree probed(host, root);
+    probed.load({original->part});
+    const QStringList before = messagesOf(*original, tree.root());
+    QStringList added;
+    for (const QString& m : messagesOf(*probed.loadOf(original->part), root))
+        if (!before.contains(m)) added << m;
+    return added;
 }
 
 QString describe(const Node& n) {
@@ -125,6 +204,8 @@ QString describe(const Node& n) {
     if (n.text) notes << QStringLiteral("its text is read");
     if (n.list) notes << QStringLiteral("its children are read one after another");
     if (!n.read) notes << QStringLiteral("looked up, absent from the samples");
+    if (!n.whenMissing.isEmpty())
+        notes << QStringLiteral("when missing: ") + n.whenMissing.join(QStringLiteral("; "));
     QString line = QStringLiteral("`<%1>`").arg(n.tag);
     if (!parts.isEmpty()) line += QStringLiteral(": ") + parts.join(QStringLiteral("; "));
     if (!notes.isEmpty()) line += QStringLiteral(" (") + notes.join(QStringLiteral("; ")) + QLatin1Char(')');
@@ -178,20 +259,29 @@ int runReference(const QStringList& args) {
     if (!host) return kUsage;
 
     QMap<QString, Kind> kinds;
+    std::vector<std::unique_ptr<Tree>> trees;
+    std::vector<std::unique_ptr<Trace>> traces;
     for (const QString& root : roots) {
-        Trace trace;
-        Tree tree(*host, root);
-        if (!tree.load(&trace)) {
+        traces.push_back(std::make_unique<Trace>());
+        trees.push_back(std::make_unique<Tree>(*host, root));
+        Tree& tree = *trees.back();
+        if (!tree.load(traces.back().get())) {
             err() << "lcdcfg: " << tree.error() << "\n";
             return kUsage;
         }
-        for (const DocumentTrace& d : trace.documents()) {
+        for (const DocumentTrace& d : traces.back()->documents()) {
             const QString kind = documentKind(tree, d);
             if (kind.isEmpty() || !d.ok || !d.rejected.isEmpty()) continue;
             addOnce(kinds[kind].files, tree.relative(d.path));
-            record(kinds[kind], d);
+            record(kinds[kind], d, int(trees.size()) - 1);
         }
     }
+    // Probes: each element left out of a copy of its tree, the part loaded
+    // again, and what that load reports beyond the unchanged load.
+    for (Kind& kind : kinds)
+        for (Node& n : kind.nodes)
+            if (n.read && n.depth > 0)
+                n.whenMissing = probe(*host, *trees[size_t(n.root)], *traces[size_t(n.root)], n);
     const QDir dir(cl.value(output));
     if (!QDir().mkpath(dir.path())) {
         err() << "lcdcfg: cannot create " << dir.path() << "\n";
