@@ -4,6 +4,7 @@
 // sample configuration, and a recorder for diagnostics.
 
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QList>
 #include <QtCore/QProcess>
@@ -40,21 +41,6 @@ inline QDomDocument document(const QByteArray& xml) {
     return doc;
 }
 
-// One run of the built lcdcfg: exit code, standard output and error.
-struct Run {
-    int code;
-    QString out;
-    QString err;
-};
-
-inline Run lcdcfg(const QStringList& args) {
-    QProcess process;
-    process.start(QStringLiteral(LCD_TOOL_PATH), args);
-    process.waitForFinished(60000);
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
-
 // Writes `content` to `dir/relative` (parents created) and returns the path.
 inline QString writeFile(const QTemporaryDir& dir, const QString& relative, const QByteArray& content) {
     const QString path = dir.filePath(relative);
@@ -75,6 +61,33 @@ inline QByteArray nestedDocument(const QByteArray& root, int depth, const QByteA
         doc += "</e>";
     doc += "</" + root + ">";
     return doc;
+}
+
+// Copies every file below `from` to `to` (parents created); returns `to`.
+inline QString copyTree(const QString& from, const QString& to) {
+    QDirIterator it(from, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString source = it.next();
+        const QString target = to + "/" + QDir(from).relativeFilePath(source);
+        QDir().mkpath(QFileInfo(target).absolutePath());
+        QFile::copy(source, target);
+    }
+    return to;
+}
+
+// The command-line tool run as a user runs it: exit code, output and errors.
+struct Run {
+    int code;
+    QString out;
+    QString err;
+};
+
+inline Run lcdcfg(const QStringList& args) {
+    QProcess process;
+    process.start(QStringLiteral(LCD_TOOL_PATH), args);
+    process.waitForFinished(120000);
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
 }
 
 // One diagnostic as the message logger saw it.

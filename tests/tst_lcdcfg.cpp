@@ -15,15 +15,7 @@ using test::Run;
 
 // A copy of the shipped configuration under `dir`/share/config.
 QString copyConfig(const QTemporaryDir& dir) {
-    const QString target = dir.filePath(QStringLiteral("share/config"));
-    QDirIterator it(test::sharedConfig(QString()), QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString source = it.next();
-        const QString relative = QDir(test::sharedConfig(QString())).relativeFilePath(source);
-        QDir().mkpath(QFileInfo(target + "/" + relative).absolutePath());
-        QFile::copy(source, target + "/" + relative);
-    }
-    return target;
+    return test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("share/config")));
 }
 
 // Plants a fault in `path` (see plantedFaults).

@@ -55,16 +55,7 @@ QString browser() {
 
 // A copy of the shipped tree under `dir`.
 QString copyConfig(const QTemporaryDir& dir) {
-    const QString source = test::sharedConfig(QString());
-    const QString target = dir.filePath(QStringLiteral("config"));
-    QDirIterator it(source, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString file = it.next();
-        const QString copy = target + QLatin1Char('/') + QDir(source).relativeFilePath(file);
-        QDir().mkpath(QFileInfo(copy).absolutePath());
-        QFile::copy(file, copy);
-    }
-    return target;
+    return test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("config")));
 }
 
 QByteArray readAll(const QString& path) {

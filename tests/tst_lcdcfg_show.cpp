@@ -47,15 +47,8 @@ struct Plant {
     const char* to;
 };
 QString plantedCopy(const QTemporaryDir& dir, std::initializer_list<Plant> plants) {
-    const QString source = test::sharedConfig(QString());
-    const QString target = dir.filePath(QStringLiteral("config"));
-    QDirIterator it(source, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString file = it.next();
-        const QString copy = target + "/" + QDir(source).relativeFilePath(file);
-        QDir().mkpath(QFileInfo(copy).absolutePath());
-        QFile::copy(file, copy);
-    }
+    const QString target =
+        test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("config")));
     for (const Plant& plant : plants) {
         QFile file(target + "/" + plant.file);
         if (!file.open(QIODevice::ReadOnly)) qFatal("no %s in the shipped tree", plant.file);

@@ -62,5 +62,8 @@ int runReport(const QStringList& args);
 int runShow(const QStringList& args);
 int runDump(const QStringList& args);
 int runDiff(const QStringList& args);
+int runLint(const QStringList& args);
+int runExplain(const QStringList& args);
+int runReference(const QStringList& args);
 
 } // namespace lcdcfg

@@ -21,6 +21,9 @@ const Verb kVerbs[] = {
     {"show", lcdcfg::runShow, "what a model, card, connector type, the menu, HDR or the keys offer"},
     {"dump", lcdcfg::runDump, "every loaded record as JSON"},
     {"diff", lcdcfg::runDiff, "what changed between two configuration trees, record by record"},
+    {"explain", lcdcfg::runExplain, "answer a question about a tree, with the file and line of every value"},
+    {"reference", lcdcfg::runReference, "write the format reference of every file kind from the readers"},
+    {"lint", lcdcfg::runLint, "report what the lenient readers let pass: unread names, numbers read as 0"},
 };
 
 int usage(QTextStream& stream, int code) {

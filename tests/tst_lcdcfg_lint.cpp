@@ -1,0 +1,195 @@
+// lcdcfg lint, explain and reference, run as an author runs them: one planted
+// fault per lint rule, explain answers against golden files, and the format
+// reference regenerated and compared with docs/reference/.
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtTest/QtTest>
+
+#include "testutil.h"
+
+namespace {
+
+using test::lcdcfg;
+using test::Run;
+
+// 1-based line of the first occurrence of `marker` in `text`.
+int lineOf(const QByteArray& text, const QByteArray& marker) {
+    const int at = text.indexOf(marker);
+    return at < 0 ? -1 : text.left(at).count('\n') + 1;
+}
+
+// Compares `actual` with the golden file tests/data/lcdcfg/`name`;
+// LCD_UPDATE_GOLDEN=1 rewrites it.
+void compareGolden(const QString& name, const QString& actual) {
+    const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + name;
+    if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(actual.toUtf8());
+        return;
+    }
+    QFile file(path);
+    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(path));
+    const QString expected = QString::fromUtf8(file.readAll());
+    if (expected == actual) return;
+    QTemporaryDir dir;
+    const QString got = test::writeFile(dir, "actual", actual.toUtf8());
+    QProcess diff;
+    diff.start("diff", {"-u", path, got});
+    diff.waitForFinished();
+    QFAIL(qPrintable(name + " differs (LCD_UPDATE_GOLDEN=1 rewrites it):\n" +
+                     QString::fromUtf8(diff.readAllStandardOutput())));
+}
+
+} // namespace
+
+class LcdcfgLintTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    // One row per rule: `from` replaced by `to` in `file` of a copy of the
+    // shipped tree (all occurrences; an empty `from` writes a new file), and
+    // the one warning expected on the line holding `at`. The first row is the
+    // shipped tree itself, which lints clean.
+    void lintReportsPlantedFaults_data() {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QByteArray>("from");
+        QTest::addColumn<QByteArray>("to");
+        QTest::addColumn<QByteArray>("at");
+        QTest::addColumn<QString>("code");
+        QTest::addColumn<QString>("text");
+        const QString slot = "device/29974/29974_slot.xml";
+        QTest::newRow("shipped tree") << slot << QByteArray() << QByteArray() << QByteArray() << ""
+                                      << "";
+        QTest::newRow("parse") << slot << QByteArray("</Vrn>") << QByteArray("") << QByteArray() << "parse"
+                               << "Parse error";
+        QTest::newRow("root-name") << "func/hdr/lcdhdrinputconfig.xml" << QByteArray("Kalmir")
+                                   << QByteArray("Kalmar") << QByteArray("<Kalmar") << "root-name"
+                                   << "root <Kalmar> is refused";
+        QTest::newRow("root-version")
+            << "ui/checklist.xml" << QByteArray("version=\"1.0\">") << QByteArray("version=\"2.0\">")
+            << QByteArray("<LCD") << "root-version"
+            << "version=\"2.0\": only \"1.0\" is accepted";
+        QTest::newRow("unread-file") << "device/29974/29974_notes.xml" << QByteArray()
+                                     << QByteArray("<Vrn version=\"1.0\"><Device/></Vrn>\n")
+                                     << QByteArray("<Vrn") << "unread-file"
+                                     << "no reader walks this file";
+        QTest::newRow("unread-element")
+            << "subcard/1001_maincontrol.xml" << QByteArray("<Sections/>") << QByteArray("<Sectons/>")
+            << QByteArray("<Sectons") << "unread-element"
+            << "no reader reads <Sectons> in <Subcard>; did you mean <Sections>?";
+        QTest::newRow("duplicate-element")
+            << "device/29974/29974_feature.xml" << QByteArray("<HDR ") << QByteArray("<HDR/>\n<HDR ")
+            << QByteArray("<HDR Support") << "duplicate-element"
+            << "only the first <HDR> in <Device> is read";
+        QTest::newRow("ignored-element")
+            << "subcard/2101_hdmi20_4in.xml" << QByteArray("<Types>")
+            << QByteArray("<Typs Value=\"1\"/><Types>") << QByteArray("<Typs") << "ignored-element"
+            << "<Typs> is reached but nothing in it is read";
+        QTest::newRow("unread-attribute")
+            << slot << QByteArray("<CrossCard Support") << QByteArray("<CrossCard Suport")
+            << QByteArray("<CrossCard") << "unread-attribute"
+            << "no reader reads Suport of <CrossCard>; did you mean Support?";
+        QTest::newRow("not-a-number") << slot << QByteArray("Index=\"6\"") << QByteArray("Index=\"six\"")
+                                      << QByteArray("\"six\"") << "not-a-number"
+                                      << "Index=\"six\" of <Slot> is not a decimal number (stored as 0)";
+        QTest::newRow("boolean-number")
+            << slot << QByteArray("<CrossCard Support=\"1\"") << QByteArray("<CrossCard Support=\"true\"")
+            << QByteArray("<CrossCard") << "boolean-number"
+            << "Support=\"true\" of <CrossCard> is not a number: write 1 or 0";
+        QTest::newRow("hex-number") << slot << QByteArray("ModuleId=\"2101\"")
+                                    << QByteArray("ModuleId=\"0x835\"") << QByteArray("0x835") << "hex-number"
+                                    << "write 2101 (stored as 0)";
+        QTest::newRow("number-overflow")
+            << slot << QByteArray("Index=\"5\"") << QByteArray("Index=\"99999999999\"")
+            << QByteArray("99999999999") << "number-overflow"
+            << "is outside -2147483648 to 2147483647";
+        QTest::newRow("unread-text") << slot << QByteArray("<Slot Index=\"10\"/>")
+                                     << QByteArray("<Slot Index=\"10\">ten</Slot>") << QByteArray("ten")
+                                     << "unread-text"
+                                     << "the text \"ten\" of <Slot> is not read; its attributes are (Index)";
+        QTest::newRow("attribute-for-text")
+            << "subcard/1001_maincontrol.xml" << QByteArray("<en>Main control card</en>")
+            << QByteArray("<en value=\"Main control card\"/>") << QByteArray("<en ") << "attribute-for-text"
+            << "<en> is read for its text, which is empty; value=\"Main control card\" is not read";
+    }
+
+    void lintReportsPlantedFaults() {
+        QFETCH(QString, file);
+        QFETCH(QByteArray, from);
+        QFETCH(QByteArray, to);
+        QFETCH(QByteArray, at);
+        QFETCH(QString, code);
+        QFETCH(QString, text);
+        QTemporaryDir dir;
+        const QString root = test::copyTree(test::sharedConfig(QString()), dir.filePath("config"));
+        QByteArray content = to;
+        if (!from.isEmpty()) {
+            QFile original(root + "/" + file);
+            QVERIFY(original.open(QIODevice::ReadOnly));
+            content = original.readAll();
+            QVERIFY2(content.contains(from), from.constData());
+            content.replace(from, to);
+        }
+        if (!code.isEmpty()) test::writeFile(dir, "config/" + file, content);
+
+        const Run run = lcdcfg({"lint", "--json", root});
+        const QJsonArray problems = QJsonDocument::fromJson(run.out.toUtf8()).object()["problems"].toArray();
+        if (code.isEmpty()) {
+            QVERIFY2(run.code == 0 && problems.isEmpty(), qPrintable(run.out + run.err));
+            return;
+        }
+        QVERIFY2(run.code == 1 && problems.size() == 1, qPrintable(run.out + run.err));
+        const QJsonObject p = problems.first().toObject();
+        QCOMPARE(p["file"].toString(), file);
+        QCOMPARE(p["code"].toString(), code);
+        QVERIFY2(p["text"].toString().contains(text), qPrintable(p["text"].toString()));
+        if (!at.isEmpty()) QCOMPARE(p["line"].toInt(), lineOf(content, at));
+
+        if (code == "hex-number") // the same tree with the rule ignored is clean
+            QCOMPARE(lcdcfg({"lint", "--ignore", code, root}).code, 0);
+    }
+
+    // Each answer of the shipped tree against tests/data/lcdcfg/explain-<row>.txt.
+    void explainAnswersWithSources_data() {
+        QTest::addColumn<QStringList>("question");
+        QTest::newRow("slot") << QStringList{"slot", "29974", "9"};
+        QTest::newRow("card") << QStringList{"card", "2103"};
+        QTest::newRow("connector") << QStringList{"connector", "13", "2", "0"};
+        QTest::newRow("feature") << QStringList{"feature", "29974", "features.genlock.type"};
+        QTest::newRow("template") << QStringList{"template", "29974", "2", "1"};
+    }
+
+    void explainAnswersWithSources() {
+        QFETCH(QStringList, question);
+        const Run run = lcdcfg(QStringList{"explain", test::sharedConfig(QString())} + question);
+        QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
+        compareGolden(QStringLiteral("explain-%1.txt").arg(QTest::currentDataTag()), run.out);
+    }
+
+    // docs/reference/ is what `lcdcfg reference` writes from the shipped tree
+    // and the samples under tests/data/reference/; LCD_UPDATE_GOLDEN=1 rewrites it.
+    void referenceMatchesTheReaders() {
+        QTemporaryDir dir;
+        const QString docs = QStringLiteral(LCD_SOURCE_DIR "/docs/reference");
+        const bool update = qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN");
+        const Run run =
+            lcdcfg({"reference", "--output", update ? docs : dir.path(), test::sharedConfig(QString()),
+                    QStringLiteral(LCD_SOURCE_DIR "/tests/data/reference")});
+        QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
+        if (update) return;
+        QProcess diff;
+        diff.start("diff", {"-ru", docs, dir.path()});
+        diff.waitForFinished();
+        QVERIFY2(diff.exitCode() == 0,
+                 qPrintable("docs/reference differs from the readers (LCD_UPDATE_GOLDEN=1 "
+                            "rewrites it):\n" +
+                            QString::fromUtf8(diff.readAllStandardOutput())));
+    }
+};
+
+QTEST_GUILESS_MAIN(LcdcfgLintTest)
+#include "tst_lcdcfg_lint.moc"
