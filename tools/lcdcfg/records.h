@@ -37,7 +37,7 @@ QVector<int> connectorTypes(const LCD::ConfigModel::ConnectorConfigInterface& co
 // "dynamicRange" (1), "colorGamut" (2).
 const char* hdrSettingName(int type);
 
-// One part as the interfaces show it (see docs/lcdcfg-show.md for the shape);
+// One part as the interfaces show it (see docs/lcdcfg.md for the shape);
 // Null when the part was not loaded. Print keys need the device models and
 // the cards loaded too: they are asked per device model and card model.
 QJsonValue dumpPart(const Tree& tree, Part part);
