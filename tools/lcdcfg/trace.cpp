@@ -104,8 +104,18 @@ void Vocabulary::add(const Trace& trace) {
                 addOnce(children[path], name);
             for (const AttributeTrace& a : t->reads)
                 addOnce(attributes[path], a.name);
+            if (t->textRead) {
+                bool decimal = false;
+                e.text().toInt(&decimal);
+                ++(decimal ? texts[path].first : texts[path].second);
+            }
         });
     }
+}
+
+bool Vocabulary::textIsNumber(const QString& path) const {
+    const QPair<int, int> counts = texts.value(path);
+    return counts.first > counts.second;
 }
 
 namespace {
