@@ -103,6 +103,14 @@ private Q_SLOTS:
         QTest::newRow("hex-number") << slot << QByteArray("ModuleId=\"2101\"")
                                     << QByteArray("ModuleId=\"0x835\"") << QByteArray("0x835") << "hex-number"
                                     << "write 2101 (stored as 0)";
+        QTest::newRow("hex-number in a text")
+            << "func/hdr/lcdhdroutputconfig.xml"
+            << QByteArray("AUTO -->\n        <ValueInfo Type=\"0\"> <!-- bit depth -->\n            "
+                          "<SupportValue>255<")
+            << QByteArray("AUTO -->\n        <ValueInfo Type=\"0\"> <!-- bit depth -->\n            "
+                          "<SupportValue>0xFF<")
+            << QByteArray("0xFF") << "hex-number"
+            << "the text \"0xFF\" of <SupportValue> is hexadecimal; numbers are decimal: write 255";
         QTest::newRow("number-overflow")
             << slot << QByteArray("Index=\"5\"") << QByteArray("Index=\"99999999999\"")
             << QByteArray("99999999999") << "number-overflow"
@@ -153,21 +161,33 @@ private Q_SLOTS:
             QCOMPARE(lcdcfg({"lint", "--ignore", code, root}).code, 0);
     }
 
-    // Each answer of the shipped tree against tests/data/lcdcfg/explain-<row>.txt.
-    void explainAnswersWithSources_data() {
-        QTest::addColumn<QStringList>("question");
-        QTest::newRow("slot") << QStringList{"slot", "29974", "9"};
-        QTest::newRow("card") << QStringList{"card", "2103"};
-        QTest::newRow("connector") << QStringList{"connector", "13", "2", "0"};
-        QTest::newRow("feature") << QStringList{"feature", "29974", "features.genlock.type"};
-        QTest::newRow("template") << QStringList{"template", "29974", "2", "1"};
+    // Each answer against its golden file tests/data/lcdcfg/NAME: explain
+    // on the shipped tree, lint --json on a small tree of planted faults
+    // (tests/data/lcdcfg/lint-tree).
+    void answersMatchGoldens_data() {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("exitCode");
+        const QString shipped = test::sharedConfig(QString());
+        QTest::newRow("explain-slot.txt") << QStringList{"explain", shipped, "slot", "29974", "9"} << 0;
+        QTest::newRow("explain-card.txt") << QStringList{"explain", shipped, "card", "2103"} << 0;
+        QTest::newRow("explain-connector.txt")
+            << QStringList{"explain", shipped, "connector", "13", "2", "0"} << 0;
+        QTest::newRow("explain-feature.txt")
+            << QStringList{"explain", shipped, "feature", "29974", "features.genlock.type"} << 0;
+        QTest::newRow("explain-template.txt")
+            << QStringList{"explain", shipped, "template", "29974", "2", "1"} << 0;
+        QTest::newRow("lint.json") << QStringList{"lint", "--json",
+                                                  QStringLiteral(LCD_SOURCE_DIR
+                                                                 "/tests/data/lcdcfg/lint-tree")}
+                                   << 1;
     }
 
-    void explainAnswersWithSources() {
-        QFETCH(QStringList, question);
-        const Run run = lcdcfg(QStringList{"explain", test::sharedConfig(QString())} + question);
-        QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
-        compareGolden(QStringLiteral("explain-%1.txt").arg(QTest::currentDataTag()), run.out);
+    void answersMatchGoldens() {
+        QFETCH(QStringList, args);
+        QFETCH(int, exitCode);
+        const Run run = lcdcfg(args);
+        QVERIFY2(run.code == exitCode, qPrintable(run.out + run.err));
+        compareGolden(QString::fromLatin1(QTest::currentDataTag()), run.out);
     }
 
     // docs/reference/ is what `lcdcfg reference` writes from the shipped tree

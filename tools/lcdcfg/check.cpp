@@ -13,7 +13,7 @@
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/rules.h"
-#include "tools/lcdcfg/sites.h"
+#include "tools/lcdcfg/trace.h"
 
 namespace lcdcfg {
 
@@ -39,7 +39,7 @@ QString missingName(const QString& text) {
 
 // What the library wrote while `load` ran: the documents that failed, every
 // warning, and the loader's error text, each once, at its position.
-void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fileOf, const QString& inputName,
+void addLoadProblems(const PartLoad& load, const Trace& trace, const FileOf& fileOf, const QString& inputName,
                      Problems& problems) {
     if (!load.missing.isEmpty()) {
         problems.add({fileOf(load.missing), 0, 0, Severity::Error, QStringLiteral("directory-missing"),
@@ -59,7 +59,7 @@ void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fil
         const QString name = missingName(text);
         if (!name.isEmpty()) {
             code = QStringLiteral("missing-element");
-            if (const Missing* missing = sites.lastMissing(document, name)) {
+            if (const Missing* missing = trace.lastMissing(document, name)) {
                 line = missing->line;
                 column = missing->column;
                 text += QStringLiteral(" (missing %1)").arg(missing->path);
@@ -67,7 +67,7 @@ void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fil
         }
         problems.add({file, line, column, severity, code, text});
     };
-    for (const DocumentFailure& f : sites.failures()) {
+    for (const DocumentFailure& f : trace.failures()) {
         if (!load.documents.contains(f.document)) continue;
         const QString code = f.rejected
                                  ? (f.error.contains(QLatin1String("version")) ? QStringLiteral("version")
@@ -93,7 +93,7 @@ void addLoadProblems(const PartLoad& load, const Sites& sites, const FileOf& fil
         const QString name = missingName(load.error);
         QString document = load.documents.isEmpty() ? QString() : load.documents.last();
         const Missing* cause = nullptr;
-        for (const Missing& m : sites.missing())
+        for (const Missing& m : trace.missing())
             if (load.documents.contains(m.document) &&
                 (name.isEmpty() ? m.document == document : m.name == name))
                 cause = &m;
@@ -122,14 +122,14 @@ QStringList filesOf(const QString& folder, bool subdirectories) {
 }
 
 // The ids a component holds: card models, or the connector types its files name.
-QSet<int> idsOf(const Tree& tree, Part part, const Sites& sites) {
+QSet<int> idsOf(const Tree& tree, Part part, const Trace& trace) {
     QSet<int> ids;
     if (part == Part::Cards && tree.cards())
         for (const Subcard::s_Subcard& card : tree.cards()->subcardConfig())
             ids.insert(card.modelId);
     if (part == Part::Connectors && tree.connectors())
         for (const Site* site :
-             sites.find([](const QString&) { return true; }, QStringLiteral("Connector"), {}))
+             trace.find([](const QString&) { return true; }, QStringLiteral("Connector"), {}))
             if (site->values.contains(QStringLiteral("Type")) &&
                 tree.connectors()->findEDIDInfo(site->values.value(QStringLiteral("Type")).toInt()))
                 ids.insert(site->values.value(QStringLiteral("Type")).toInt());
@@ -152,18 +152,18 @@ QSet<int> loadAlone(const Tree& tree, Part part, const QString& file, Problems& 
         return {};
     stub.close();
     Tree alone(tree.host(), scratch.path());
-    Sites sites;
-    alone.load({part}, &sites);
+    Trace trace;
+    alone.load({part}, &trace);
     const QString name = tree.relative(file);
     const QString linked = QFileInfo(link).absoluteFilePath();
     addLoadProblems(
-        *alone.loadOf(part), sites,
+        *alone.loadOf(part), trace,
         [&](const QString& document) { return document == linked ? name : QString(); }, name, problems);
-    QSet<int> ids = idsOf(alone, part, sites);
+    QSet<int> ids = idsOf(alone, part, trace);
     // a card file that fails after naming its models loses those to the host too
     if (part == Part::Cards && !alone.loadOf(part)->ok)
         for (const Site* site :
-             sites.find([](const QString&) { return true; }, QStringLiteral("Subcard"), {}))
+             trace.find([](const QString&) { return true; }, QStringLiteral("Subcard"), {}))
             if (site->values.contains(QStringLiteral("ModelId")))
                 ids.insert(site->values.value(QStringLiteral("ModelId")).toInt());
     return ids;
@@ -180,13 +180,13 @@ QString joined(QSet<int> ids) {
 
 // Cards and connectors: every file on its own, so that each bad one is named;
 // the ids only those loads have are what the host loses. Returns them.
-QSet<int> checkEachFile(Tree& tree, Part part, const Sites& sites, Problems& problems) {
+QSet<int> checkEachFile(Tree& tree, Part part, const Trace& trace, Problems& problems) {
     const PartLoad* load = tree.loadOf(part);
     if (!load || !load->attempted) return {};
     QSet<int> alone;
     for (const QString& file : filesOf(load->inputs.first(), part == Part::Cards))
         alone += loadAlone(tree, part, file, problems);
-    const QSet<int> lost = alone - idsOf(tree, part, sites);
+    const QSet<int> lost = alone - idsOf(tree, part, trace);
     if (!lost.isEmpty() && !load->documents.isEmpty())
         problems.add(
             {tree.relative(load->documents.last()), 0, 0, Severity::Error, QStringLiteral("records-lost"),
@@ -208,19 +208,23 @@ void checkMenuTree(const Tree& tree, Problems& problems) {
 
 } // namespace
 
-bool checkTree(Tree& tree, Problems& problems) {
-    Sites sites;
-    if (!tree.load(&sites)) return false;
+void checkTree(Tree& tree, const Trace& trace, Problems& problems) {
     for (const PartLoad& load : tree.loads())
         addLoadProblems(
-            load, sites, [&](const QString& document) { return tree.relative(document); },
+            load, trace, [&](const QString& document) { return tree.relative(document); },
             tree.relative(load.inputs.first()), problems);
-    RuleRun run(tree, sites, problems);
-    run.lostCards = checkEachFile(tree, Part::Cards, sites, problems);
-    run.lostConnectorTypes = checkEachFile(tree, Part::Connectors, sites, problems);
+    RuleRun run(tree, trace, problems);
+    run.lostCards = checkEachFile(tree, Part::Cards, trace, problems);
+    run.lostConnectorTypes = checkEachFile(tree, Part::Connectors, trace, problems);
     checkMenuTree(tree, problems);
     runRules(run);
     problems.sort();
+}
+
+bool checkTree(Tree& tree, Problems& problems) {
+    Trace trace;
+    if (!tree.load(&trace)) return false;
+    checkTree(tree, trace, problems);
     return true;
 }
 

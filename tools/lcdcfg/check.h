@@ -3,6 +3,7 @@
 // The checks of `lcdcfg check`, for every verb that lists a tree's problems.
 
 #include "tools/lcdcfg/problems.h"
+#include "tools/lcdcfg/trace.h"
 #include "tools/lcdcfg/tree.h"
 
 namespace lcdcfg {
@@ -13,5 +14,8 @@ namespace lcdcfg {
 // its position, to `problems` (sorted). false only when the tree cannot be
 // loaded at all (`tree.error()` says why); the components stay loaded.
 bool checkTree(Tree& tree, Problems& problems);
+// The same for a tree already loaded with `trace` attached, so that a verb
+// that records the load for itself does not load the tree twice.
+void checkTree(Tree& tree, const Trace& trace, Problems& problems);
 
 } // namespace lcdcfg

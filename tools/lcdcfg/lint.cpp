@@ -79,7 +79,9 @@ private:
     bool elementUsed(const DocumentTrace& d, const QDomElement& e);
     void unreached(const DocumentTrace& d, const QDomElement& e);
     void attributes(const QDomElement& e, const ElementTrace& t);
-    void number(const QDomElement& e, const AttributeTrace& read);
+    // A number that did not convert: `what` names it ("Index=\"six\" of <Slot>").
+    void number(const QDomElement& e, const QString& what, const QString& raw, ReadKind kind,
+                const QString& stored);
     void text(const QDomElement& e, const ElementTrace& t);
 
     const Tree& m_tree;
@@ -178,7 +180,8 @@ void Linter::attributes(const QDomElement& e, const ElementTrace& t) {
             if (r.name != name) continue;
             read = true;
             if (r.present && !r.validNumber && isNumber(r.kind)) {
-                number(e, r);
+                number(e, QStringLiteral("%1=\"%2\" of %3").arg(r.name, r.raw, tag(e)), r.raw, r.kind,
+                       r.stored);
                 break;
             }
         }
@@ -201,10 +204,10 @@ void Linter::attributes(const QDomElement& e, const ElementTrace& t) {
     }
 }
 
-void Linter::number(const QDomElement& e, const AttributeTrace& r) {
-    const QString raw = r.raw.trimmed();
-    const QString what = QStringLiteral("%1=\"%2\" of %3").arg(r.name, r.raw, tag(e));
-    const QString stored = QStringLiteral("stored as %1").arg(r.stored);
+void Linter::number(const QDomElement& e, const QString& what, const QString& text, ReadKind kind,
+                    const QString& storedValue) {
+    const QString raw = text.trimmed();
+    const QString stored = QStringLiteral("stored as %1").arg(storedValue);
     static const QRegularExpression hex(QStringLiteral("^[+-]?0[xX]([0-9a-fA-F]+)$"));
     static const QRegularExpression digits(QStringLiteral("^[+-]?[0-9]+$"));
     if (raw.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0 ||
@@ -218,7 +221,7 @@ void Linter::number(const QDomElement& e, const AttributeTrace& r) {
                      .arg(what, QString::number(value), stored)
                : QStringLiteral("%1 is hexadecimal; numbers are decimal (%2)").arg(what, stored));
     } else if (digits.match(raw).hasMatch()) {
-        const char* range = r.kind == ReadKind::UInt ? "0 to 4294967295" : "-2147483648 to 2147483647";
+        const char* range = kind == ReadKind::UInt ? "0 to 4294967295" : "-2147483648 to 2147483647";
         add(e, "number-overflow",
             QStringLiteral("%1 is outside %2 (%3)").arg(what, QLatin1String(range), stored));
     } else {
@@ -227,6 +230,15 @@ void Linter::number(const QDomElement& e, const AttributeTrace& r) {
 }
 
 void Linter::text(const QDomElement& e, const ElementTrace& t) {
+    if (t.textRead && m_vocabulary.textIsNumber(elementPath(e))) {
+        // read as a 32-bit decimal, 0 when the text does not convert
+        bool ok = false;
+        e.text().toInt(&ok);
+        if (!ok)
+            number(e, QStringLiteral("the text \"%1\" of %2").arg(e.text().trimmed(), tag(e)), e.text(),
+                   ReadKind::Int, QStringLiteral("0"));
+        return;
+    }
     const QString own = ownText(e);
     if (own.isEmpty() || t.textRead) return;
     const QString shown = own.size() > 40 ? own.left(37) + QStringLiteral("...") : own;

@@ -22,39 +22,6 @@ namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
 
-// ---- what the records do not carry ------------------------------------------
-
-void ReportSites::attributeRead(const AttributeRead& read) {
-    const QDomElement& e = read.element;
-    if (qstrcmp(read.name, "ConnectorIndex") == 0 && e.parentNode().parentNode().nodeName() == "Layouts") {
-        const QString key =
-            QStringLiteral("%1:%2:%3").arg(m_document).arg(e.lineNumber()).arg(e.columnNumber());
-        if (m_seenCells.contains(key)) return;
-        m_seenCells.insert(key, true);
-        m_cells.push_back({m_document, e.lineNumber(), e.columnNumber()});
-    } else if (qstrcmp(read.name, "ModelId") == 0 && e.tagName() == QLatin1String("Subcard") &&
-               !m_cardDocs.contains(m_document)) {
-        m_cardDocs.insert(m_document, read.stored.toInt());
-    }
-}
-
-void ReportSites::textRead(const QDomElement& element) {
-    const QDomElement names = element.parentNode().toElement();
-    const QDomElement connector = names.parentNode().toElement();
-    if (connector.tagName() != QLatin1String("Connector") ||
-        connector.parentNode().nodeName() != QLatin1String("Connectors"))
-        return;
-    const bool shortName = names.tagName() == QLatin1String("ShortName");
-    if (!shortName && names.tagName() != QLatin1String("Name")) return;
-    const int type = connector.attribute(QStringLiteral("Type")).toInt();
-    if (!m_connectorDocs.contains(m_document)) m_connectorDocs.insert(m_document, type);
-    Names& n = m_names[type];
-    const bool english = element.tagName() == QLatin1String("en");
-    if (!english && element.tagName() != QLatin1String("zh_CN")) return;
-    QString& slot = shortName ? (english ? n.shortEn : n.shortZhCN) : (english ? n.en : n.zhCN);
-    if (slot.isEmpty()) slot = element.text().trimmed();
-}
-
 namespace {
 
 // ---- the page's own words, in both languages ----------------------------------
@@ -203,8 +170,8 @@ QString number(double v) {
 
 class Page {
 public:
-    Page(const Tree& tree, const ReportSites& sites, Problems& problems, bool english)
-        : m_tree(tree), m_sites(sites), m_problems(problems), m_en(english) {}
+    Page(const Tree& tree, const Trace& trace, Problems& problems, bool english)
+        : m_tree(tree), m_trace(trace), m_problems(problems), m_en(english) {}
 
     QByteArray write();
 
@@ -249,7 +216,7 @@ private:
     QString anchorOf(const Problem& p) const;
 
     const Tree& m_tree;
-    const ReportSites& m_sites;
+    const Trace& m_trace;
     Problems& m_problems;
     bool m_en;
     QXmlStreamWriter m_x;
@@ -264,8 +231,8 @@ QString problemKey(const Problem& p) {
 }
 
 QString Page::connectorName(int type, bool shortName) const {
-    const auto it = m_sites.connectorNames().constFind(type);
-    if (it == m_sites.connectorNames().constEnd()) return QStringLiteral("%1 %2").arg(label(kType)).arg(type);
+    const auto it = m_trace.connectorNames().constFind(type);
+    if (it == m_trace.connectorNames().constEnd()) return QStringLiteral("%1 %2").arg(label(kType)).arg(type);
     const QString en = shortName ? it->shortEn : it->en;
     const QString zh = shortName ? it->shortZhCN : it->zhCN;
     const QString chosen = m_en ? en : zh;
@@ -288,7 +255,7 @@ void Page::placeCells() {
                     for (const Screen::s_Templete& t : mode.templetes)
                         for (const Screen::s_Layout& l : t.layouts)
                             total += int(l.cells.size());
-    m_placed = total == m_sites.cells().size();
+    m_placed = total == m_trace.cells().size();
 }
 
 QByteArray Page::write() {
@@ -622,9 +589,7 @@ void Page::layoutPicture(const QString& id, const Screen::s_Layout& l,
     // where this layout's cells were read, for the problem list
     const int firstCell = m_cell;
     m_cell += int(l.cells.size());
-    auto placeOf = [&](int cell) {
-        return m_placed ? m_sites.cells()[firstCell + cell] : ReportSites::Place{};
-    };
+    auto placeOf = [&](int cell) { return m_placed ? m_trace.cells()[firstCell + cell] : Place{}; };
     if (m_placed && !l.cells.empty()) {
         const QString file = m_tree.relative(placeOf(0).document);
         const QString screenAnchor = id.section(QLatin1Char('-'), 0, 1);
@@ -633,7 +598,7 @@ void Page::layoutPicture(const QString& id, const Screen::s_Layout& l,
     QHash<int, QStringList> faultsOf; // cell -> codes
     QHash<int, QStringList> textsOf;
     for (const layout::Finding& f : findings) {
-        const ReportSites::Place place = placeOf(std::max(f.cell, 0));
+        const Place place = placeOf(std::max(f.cell, 0));
         Problem p{place.document.isEmpty() ? QString() : m_tree.relative(place.document),
                   place.line, // a layout-wide finding: at its first cell
                   place.column,
@@ -772,7 +737,7 @@ void Page::cards() {
         }
     close();
     close();
-    for (auto it = m_sites.cardDocuments().cbegin(); it != m_sites.cardDocuments().cend(); ++it)
+    for (auto it = m_trace.cardDocuments().cbegin(); it != m_trace.cardDocuments().cend(); ++it)
         m_fileAnchor.insert(m_tree.relative(it.key()), QStringLiteral("card-%1").arg(it.value()));
 }
 
@@ -783,7 +748,7 @@ void Page::connectors() {
     QList<int> types;
     if (catalogue)
         for (int type = 0; type < 256; ++type)
-            if (catalogue->findEDIDInfo(type) || m_sites.connectorNames().contains(type)) types << type;
+            if (catalogue->findEDIDInfo(type) || m_trace.connectorNames().contains(type)) types << type;
     for (int type : types) {
         const QString id = QStringLiteral("ct-%1").arg(type);
         element("h3", QStringLiteral("%1 (%2 %3)").arg(connectorName(type, false), label(kType)).arg(type),
@@ -820,7 +785,7 @@ void Page::connectors() {
         close();
     }
     close();
-    for (auto it = m_sites.connectorDocuments().cbegin(); it != m_sites.connectorDocuments().cend(); ++it)
+    for (auto it = m_trace.connectorDocuments().cbegin(); it != m_trace.connectorDocuments().cend(); ++it)
         m_fileAnchor.insert(m_tree.relative(it.key()), QStringLiteral("ct-%1").arg(it.value()));
 }
 
@@ -905,8 +870,8 @@ void Page::problemList() {
 
 } // namespace
 
-QByteArray writeReport(const Tree& tree, const ReportSites& sites, Problems& problems, bool english) {
-    return Page(tree, sites, problems, english).write();
+QByteArray writeReport(const Tree& tree, const Trace& trace, Problems& problems, bool english) {
+    return Page(tree, trace, problems, english).write();
 }
 
 int runReport(const QStringList& args) {
@@ -937,20 +902,17 @@ int runReport(const QStringList& args) {
     if (!host) return kUsage;
 
     Tree tree(*host, root);
-    ReportSites sites;
-    if (!tree.load(&sites)) {
+    Trace trace; // one load, for the drawing and for check's problems
+    if (!tree.load(&trace)) {
         err() << "lcdcfg: " << tree.error() << "\n";
         return kUsage;
     }
-    // check's problems come from a load of their own (check attaches its
-    // own observer); the drawing keeps the sites of the first load
     Problems checked;
-    Tree checkedTree(*host, root);
-    checkTree(checkedTree, checked);
+    checkTree(tree, trace, checked);
     Problems problems; // the page lists the layout findings itself, at their cells
     for (const Problem& p : checked.list())
         if (!p.code.startsWith(QLatin1String("layout-"))) problems.add(p);
-    const QByteArray html = writeReport(tree, sites, problems, locale == QLatin1String("en"));
+    const QByteArray html = writeReport(tree, trace, problems, locale == QLatin1String("en"));
 
     const QString output = cl.value(outputOption);
     QFile file(output);

@@ -60,7 +60,7 @@ void connectorTypeUndescribed(RuleRun& run) {
         for (int type : types) {
             if (run.tree.connectors()->findEDIDInfo(type) || run.lostConnectorTypes.contains(type)) continue;
             const auto hits =
-                run.sites.find(run.is(document), QStringLiteral("Connector"), {{"Type", number(type)}});
+                run.trace.find(run.is(document), QStringLiteral("Connector"), {{"Type", number(type)}});
             run.report(hits.value(0), document,
                        QStringLiteral("card %1 uses connector type %2, which no connector file describes")
                            .arg(card.modelId)
@@ -134,7 +134,7 @@ void crosscardModuleUnknown(RuleRun& run) {
 void printkeyModels(RuleRun& run, const QString& tag, const std::function<bool(int)>& known,
                     const QString& text) {
     const PartLoad* load = run.tree.loadOf(Part::PrintKeys);
-    for (const Site* site : run.sites.find(run.is(load->inputs.first()), tag, {})) {
+    for (const Site* site : run.trace.find(run.is(load->inputs.first()), tag, {})) {
         const QString id = site->values.value(QStringLiteral("ModelId"));
         if (!id.isEmpty() && !known(id.toInt())) run.report(site, QString(), text.arg(id));
     }
@@ -191,7 +191,7 @@ void menuKeyWithoutItem(RuleRun& run) {
     for (const s_MenuItem* node : menuNodes(run.tree.menu()->rootMenuItem()))
         if (!run.tree.menu()->findMenuFCItem(node->key)) without << node;
     if (without.size() > 1 &&
-        run.sites.find(run.is(load->inputs.first()), QStringLiteral("MenuItem"), {}).isEmpty()) {
+        run.trace.find(run.is(load->inputs.first()), QStringLiteral("MenuItem"), {}).isEmpty()) {
         // one cause, one problem: the function-item file gave none
         run.report(nullptr, load->inputs.first(),
                    QStringLiteral("no function item was read: none of the %1 menu keys has one")
@@ -199,7 +199,7 @@ void menuKeyWithoutItem(RuleRun& run) {
         return;
     }
     for (const s_MenuItem* node : without)
-        run.report(run.sites.find(file, QStringLiteral("MenuItem"), {{"Key", number(node->key)}}).value(0),
+        run.report(run.trace.find(file, QStringLiteral("MenuItem"), {{"Key", number(node->key)}}).value(0),
                    load->inputs.last(),
                    QStringLiteral("menu key %1 has no function item in %2")
                        .arg(node->key)
@@ -211,7 +211,7 @@ void menuKeyDuplicate(RuleRun& run) {
     if (!load) return;
     for (const QString& input : load->inputs) {
         QHash<QString, int> seen;
-        for (const Site* site : run.sites.find(run.is(input), QStringLiteral("MenuItem"), {})) {
+        for (const Site* site : run.trace.find(run.is(input), QStringLiteral("MenuItem"), {})) {
             const QString key = site->values.value(QStringLiteral("Key"));
             if (key.isEmpty() || seen[key]++ == 0) continue;
             run.report(site, input,
@@ -235,7 +235,7 @@ void hdrValueWithoutText(RuleRun& run) {
                 const auto table = hdr->getCanSelectedValues(HDRKey{type, value}, configTypes[i]);
                 if (table.empty()) continue;
                 const Site* key =
-                    run.sites
+                    run.trace
                         .find(file, QStringLiteral("Key"), {{"Type", number(type)}, {"Value", number(value)}})
                         .value(0);
                 auto what = [](int setting, int v) {
@@ -249,14 +249,14 @@ void hdrValueWithoutText(RuleRun& run) {
                 for (const auto& dependent : table) {
                     const int line = key ? key->line : 0;
                     const Site* info = nullptr;
-                    for (const Site* s : run.sites.find(file, QStringLiteral("ValueInfo"),
+                    for (const Site* s : run.trace.find(file, QStringLiteral("ValueInfo"),
                                                         {{"Type", number(dependent.first)}}))
                         if (!info && s->line >= line) info = s;
                     for (int v : dependent.second) {
                         if (hasText(dependent.first, v)) continue;
                         const Site* at = nullptr;
                         for (const Site* s :
-                             run.sites.find(file, QStringLiteral("SupportValue"), {{"#text", number(v)}}))
+                             run.trace.find(file, QStringLiteral("SupportValue"), {{"#text", number(v)}}))
                             if (!at && s->line >= (info ? info->line : line)) at = s;
                         run.report(at, load->inputs[i], what(dependent.first, v));
                     }
@@ -288,7 +288,7 @@ void cardDuplicate(RuleRun& run) {
     for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
         const int n = seen[card.modelId]++;
         if (n == 0) continue;
-        const auto hits = run.sites.find(run.under(QStringLiteral("subcard")), QStringLiteral("Subcard"),
+        const auto hits = run.trace.find(run.under(QStringLiteral("subcard")), QStringLiteral("Subcard"),
                                          {{"ModelId", number(card.modelId)}});
         run.report(hits.value(n), QStringLiteral("subcard"),
                    QStringLiteral("card model %1 is already described in %2")
@@ -316,7 +316,7 @@ void names(RuleRun& run, bool english) {
                 continue;
             const QString folder = run.modelFolder(device.modelId);
             const Site* at = run.first(folder, QStringLiteral("TypeName"), {});
-            for (const Missing& m : run.sites.missing())
+            for (const Missing& m : run.trace.missing())
                 if (!at && m.name == QLatin1String("TypeName") && run.under(folder)(m.document))
                     at = run.missingSite(m.document, m.name);
             run.report(
@@ -342,8 +342,8 @@ void nameMissingZh(RuleRun& run) {
 }
 
 void elementMisspelt(RuleRun& run) {
-    for (const Missing& m : run.sites.missing()) {
-        if (m.near.isEmpty() || run.sites.found(m.document, m.nearLine, m.nearColumn)) continue;
+    for (const Missing& m : run.trace.missing()) {
+        if (m.near.isEmpty() || run.trace.found(m.document, m.nearLine, m.nearColumn)) continue;
         Site site{m.document, QString(), m.nearLine, m.nearColumn, {}};
         run.report(
             &site, QString(),
@@ -352,8 +352,8 @@ void elementMisspelt(RuleRun& run) {
 }
 
 void attributeMisspelt(RuleRun& run) {
-    for (const NearAttribute& a : run.sites.nearAttributes()) {
-        const Site* site = run.sites.siteAt(a.document, a.line, a.column);
+    for (const NearAttribute& a : run.trace.nearAttributes()) {
+        const Site* site = run.trace.siteAt(a.document, a.line, a.column);
         if (!site || site->values.contains(a.near)) continue; // the written one is read too
         run.report(site, QString(),
                    QStringLiteral("%1 is not read here: a misspelt %2? (the host takes its default)")
@@ -365,9 +365,9 @@ void fileUnread(RuleRun& run) {
     for (const PartLoad& load : run.tree.loads())
         for (const QString& document : load.ok ? load.documents : QStringList()) {
             const auto here = run.is(document);
-            const bool failed = std::any_of(run.sites.failures().begin(), run.sites.failures().end(),
+            const bool failed = std::any_of(run.trace.failures().begin(), run.trace.failures().end(),
                                             [&](const DocumentFailure& f) { return here(f.document); });
-            if (!failed && run.sites.find(here, QString(), {}).isEmpty())
+            if (!failed && run.trace.find(here, QString(), {}).isEmpty())
                 run.report(nullptr, document,
                            QStringLiteral(
                                "the %1 loader read nothing from this file: is its first element misspelt?")
@@ -376,7 +376,7 @@ void fileUnread(RuleRun& run) {
 }
 
 void numberInvalid(RuleRun& run) {
-    for (const BadNumber& bad : run.sites.badNumbers()) {
+    for (const BadNumber& bad : run.trace.badNumbers()) {
         Site site{bad.document, QString(), bad.line, bad.column, {}};
         run.report(&site, QString(),
                    QStringLiteral("%1=\"%2\" is not a number: the host reads %3")
@@ -420,7 +420,7 @@ void mute(QtMsgType, const QMessageLogContext&, const QString&) {}
 } // namespace
 
 const Site* RuleRun::missingSite(const QString& document, const QString& name) {
-    const Missing* m = sites.lastMissing(QDir(tree.root()).absoluteFilePath(document), name);
+    const Missing* m = trace.lastMissing(QDir(tree.root()).absoluteFilePath(document), name);
     if (!m) return nullptr;
     m_made.push_back(Site{m->document, QString(), m->line, m->column, {}});
     return &m_made.back();
@@ -454,8 +454,8 @@ std::function<bool(const QString&)> RuleRun::is(const QString& document) const {
     return [path](const QString& d) { return d == path; };
 }
 
-const Site* RuleRun::first(const QString& folder, const QString& tag, Sites::Match values) const {
-    return folder.isEmpty() ? nullptr : sites.find(under(folder), tag, values).value(0);
+const Site* RuleRun::first(const QString& folder, const QString& tag, Trace::Match values) const {
+    return folder.isEmpty() ? nullptr : trace.find(under(folder), tag, values).value(0);
 }
 
 bool RuleRun::knownCard(int modelId) const {

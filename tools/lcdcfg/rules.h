@@ -2,15 +2,15 @@
 
 // The cross-file rules of `lcdcfg check`: one table, each rule with its
 // stable code, its severity and a function over the loaded tree. Rules read
-// the components' records; positions come from the sites the load observer
-// recorded (line 0 of the file when none is found).
+// the components' records; positions come from the sites the recording observer
+// kept (line 0 of the file when none is found).
 
 #include <QtCore/QSet>
 
 #include <list>
 
 #include "tools/lcdcfg/problems.h"
-#include "tools/lcdcfg/sites.h"
+#include "tools/lcdcfg/trace.h"
 #include "tools/lcdcfg/tree.h"
 
 namespace lcdcfg {
@@ -20,11 +20,11 @@ struct Rule;
 // What a rule works on, and where it reports.
 class RuleRun {
 public:
-    RuleRun(const Tree& tree, const Sites& sites, Problems& problems)
-        : tree(tree), sites(sites), m_problems(problems) {}
+    RuleRun(const Tree& tree, const Trace& trace, Problems& problems)
+        : tree(tree), trace(trace), m_problems(problems) {}
 
     const Tree& tree;
-    const Sites& sites;
+    const Trace& trace;
     // Ids the host loses to a bad file (reported once as records-lost): a
     // reference to one of them is not reported again.
     QSet<int> lostCards;
@@ -39,7 +39,7 @@ public:
     std::function<bool(const QString&)> under(const QString& folder) const;
     std::function<bool(const QString&)> is(const QString& document) const;
     // The first site with `tag` and `values` under `folder`, or null.
-    const Site* first(const QString& folder, const QString& tag, Sites::Match values) const;
+    const Site* first(const QString& folder, const QString& tag, Trace::Match values) const;
     // Whether the catalogue has the card model, or the host loses it to a bad file.
     bool knownCard(int modelId) const;
     // The folder of a device model's files ("device/29974"); empty when none.

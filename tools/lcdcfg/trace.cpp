@@ -10,6 +10,33 @@ namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
 
+namespace {
+int editDistance(const QString& a, const QString& b) {
+    const QString x = a.toLower();
+    const QString y = b.toLower();
+    QVector<int> row(y.size() + 1);
+    for (int j = 0; j <= y.size(); ++j)
+        row[j] = j;
+    for (int i = 1; i <= x.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i;
+        for (int j = 1; j <= y.size(); ++j) {
+            const int up = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (x[i - 1] == y[j - 1] ? 0 : 1)});
+            diagonal = up;
+        }
+    }
+    return row[y.size()];
+}
+
+// A name a letter or two (for longer names) away from `wanted`, case aside.
+bool near(const QString& name, const QString& wanted) {
+    const int limit = wanted.size() < 5 ? 1 : 2;
+    return name != wanted && editDistance(name, wanted) <= limit;
+}
+
+} // namespace
+
 const AttributeTrace* ElementTrace::read(const QString& name) const {
     for (const AttributeTrace& a : reads)
         if (a.name == name) return &a;
@@ -28,12 +55,14 @@ const DocumentTrace* Trace::document(const QString& path) const {
 }
 
 void Trace::documentStarted(const QString& path) {
+    m_path = path;
     DocumentTrace d;
     d.path = path;
     m_documents.push_back(d);
 }
 
 void Trace::documentParsed(const DocumentRead& read) {
+    if (!read.ok) m_failures.push_back({m_path, read.line, read.column, read.error, false});
     if (m_documents.isEmpty()) return;
     DocumentTrace& d = m_documents.last();
     d.ok = read.ok;
@@ -43,7 +72,8 @@ void Trace::documentParsed(const DocumentRead& read) {
     d.document = read.document;
 }
 
-void Trace::documentRejected(const QDomElement&, const QString& error) {
+void Trace::documentRejected(const QDomElement& root, const QString& error) {
+    m_failures.push_back({m_path, root.lineNumber(), root.columnNumber(), error, true});
     if (!m_documents.isEmpty()) m_documents.last().rejected = error;
 }
 
@@ -61,22 +91,131 @@ void Trace::elementFound(const QDomElement& element) {
 }
 
 void Trace::elementMissing(const QDomElement& parent, const char* name) {
+    const QString n = QLatin1String(name);
     if (ElementTrace* t = record(parent)) {
         t->lookedInto = true;
-        const QString n = QLatin1String(name);
         if (!t->missing.contains(n)) t->missing << n;
     }
+    Missing missing;
+    missing.document = m_path;
+    missing.line = parent.lineNumber();
+    missing.column = parent.columnNumber();
+    missing.name = n;
+    missing.path = elementPath(parent) + QLatin1Char('/') + n;
+    for (QDomElement e = parent.firstChildElement(); !e.isNull() && missing.near.isEmpty();
+         e = e.nextSiblingElement())
+        if (near(e.tagName(), n)) {
+            missing.near = e.tagName();
+            missing.nearLine = e.lineNumber();
+            missing.nearColumn = e.columnNumber();
+        }
+    m_missing.push_back(missing);
 }
 
 void Trace::attributeRead(const AttributeRead& read) {
-    ElementTrace* t = record(read.element);
-    if (!t) return;
-    t->reads.push_back({QLatin1String(read.name), read.present, read.raw, QString::fromUtf8(read.def),
-                        read.kind, read.stored, read.validNumber});
+    const QString name = QLatin1String(read.name);
+    if (ElementTrace* t = record(read.element))
+        t->reads.push_back({name, read.present, read.raw, QString::fromUtf8(read.def), read.kind, read.stored,
+                            read.validNumber});
+    Site& site = siteOf(read.element);
+    site.values.insert(name, read.stored);
+    if (read.present && !read.validNumber)
+        m_badNumbers.push_back({m_path, site.line, site.column, name, read.raw, read.stored});
+    if (!read.present) {
+        const QDomNamedNodeMap attributes = read.element.attributes();
+        for (int i = 0; i < attributes.count(); ++i)
+            if (near(attributes.item(i).nodeName(), name))
+                m_nearAttributes.push_back(
+                    {m_path, site.line, site.column, name, attributes.item(i).nodeName()});
+    }
+    reportRead(read);
 }
 
 void Trace::textRead(const QDomElement& element) {
     if (ElementTrace* t = record(element)) t->textRead = true;
+    siteOf(element).values.insert(QStringLiteral("#text"), element.text().trimmed());
+    reportText(element);
+}
+
+namespace {
+QString keyOf(const QString& document, int line, int column) {
+    return QStringLiteral("%1:%2:%3").arg(document).arg(line).arg(column);
+}
+} // namespace
+
+Site& Trace::siteOf(const QDomElement& element) {
+    const QString key = keyOf(m_path, element.lineNumber(), element.columnNumber());
+    auto it = m_index.constFind(key);
+    if (it != m_index.constEnd()) return m_sites[*it];
+    m_index.insert(key, m_sites.size());
+    m_sites.push_back({m_path, element.tagName(), element.lineNumber(), element.columnNumber(), {}});
+    return m_sites.last();
+}
+
+// A layout cell (its connector index read) and the first card model of a card file.
+void Trace::reportRead(const AttributeRead& read) {
+    const QDomElement& e = read.element;
+    if (qstrcmp(read.name, "ConnectorIndex") == 0 && e.parentNode().parentNode().nodeName() == "Layouts") {
+        const QString key = keyOf(m_path, e.lineNumber(), e.columnNumber());
+        if (m_seenCells.contains(key)) return;
+        m_seenCells.insert(key);
+        m_cells.push_back({m_path, e.lineNumber(), e.columnNumber()});
+    } else if (qstrcmp(read.name, "ModelId") == 0 && e.tagName() == QLatin1String("Subcard") &&
+               !m_cardDocs.contains(m_path)) {
+        m_cardDocs.insert(m_path, read.stored.toInt());
+    }
+}
+
+// The names of a connector description.
+void Trace::reportText(const QDomElement& element) {
+    const QDomElement names = element.parentNode().toElement();
+    const QDomElement connector = names.parentNode().toElement();
+    if (connector.tagName() != QLatin1String("Connector") ||
+        connector.parentNode().nodeName() != QLatin1String("Connectors"))
+        return;
+    const bool shortName = names.tagName() == QLatin1String("ShortName");
+    if (!shortName && names.tagName() != QLatin1String("Name")) return;
+    const int type = connector.attribute(QStringLiteral("Type")).toInt();
+    if (!m_connectorDocs.contains(m_path)) m_connectorDocs.insert(m_path, type);
+    ConnectorNames& n = m_names[type];
+    const bool english = element.tagName() == QLatin1String("en");
+    if (!english && element.tagName() != QLatin1String("zh_CN")) return;
+    QString& slot = shortName ? (english ? n.shortEn : n.shortZhCN) : (english ? n.en : n.zhCN);
+    if (slot.isEmpty()) slot = element.text().trimmed();
+}
+
+const Site* Trace::siteAt(const QString& document, int line, int column) const {
+    auto it = m_index.constFind(keyOf(document, line, column));
+    return it == m_index.constEnd() ? nullptr : &m_sites[*it];
+}
+
+QVector<const Site*> Trace::find(const std::function<bool(const QString&)>& document, const QString& tag,
+                                 Match values) const {
+    QVector<const Site*> hits;
+    for (const Site& site : m_sites) {
+        if ((!tag.isEmpty() && site.tag != tag) || !document(site.document)) continue;
+        bool all = true;
+        for (const auto& value : values)
+            all = all && site.values.value(QLatin1String(value.first)) == value.second &&
+                  site.values.contains(QLatin1String(value.first));
+        if (all) hits << &site;
+    }
+    return hits;
+}
+
+const Missing* Trace::lastMissing(const QString& document, const QString& name) const {
+    for (auto it = m_missing.rbegin(); it != m_missing.rend(); ++it)
+        if (it->document == document && it->name == name) return &*it;
+    return nullptr;
+}
+
+bool Trace::found(const QString& document, int line, int column) const {
+    for (const DocumentTrace& d : m_documents) {
+        if (d.path != document) continue;
+        const auto it = d.elements.constFind({line, column});
+        if (it != d.elements.constEnd() && it->found) return true;
+    }
+    return false;
 }
 
 QString elementPath(const QDomElement& e) {
@@ -104,30 +243,19 @@ void Vocabulary::add(const Trace& trace) {
                 addOnce(children[path], name);
             for (const AttributeTrace& a : t->reads)
                 addOnce(attributes[path], a.name);
+            if (t->textRead) {
+                bool decimal = false;
+                e.text().toInt(&decimal);
+                ++(decimal ? texts[path].first : texts[path].second);
+            }
         });
     }
 }
 
-namespace {
-int editDistance(const QString& a, const QString& b) {
-    const QString x = a.toLower();
-    const QString y = b.toLower();
-    QVector<int> row(y.size() + 1);
-    for (int j = 0; j <= y.size(); ++j)
-        row[j] = j;
-    for (int i = 1; i <= x.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i;
-        for (int j = 1; j <= y.size(); ++j) {
-            const int up = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (x[i - 1] == y[j - 1] ? 0 : 1)});
-            diagonal = up;
-        }
-    }
-    return row[y.size()];
+bool Vocabulary::textIsNumber(const QString& path) const {
+    const QPair<int, int> counts = texts.value(path);
+    return counts.first > counts.second;
 }
-
-} // namespace
 
 QString closest(const QString& name, const QStringList& names) {
     QString best;

@@ -1,17 +1,25 @@
 #pragma once
 
-// The recording observer shared by lint, explain and reference: per document,
-// every element a walk reached, every lookup that found nothing, every
-// attribute read (with its text, default and stored value) and every text
-// read. Elements are keyed by their position in the document, which is
-// unique per element.
+// The recording observer of every verb that asks where things were read
+// (check, report, lint, explain, reference): per document, every element a
+// walk reached, every lookup that found nothing, every attribute read (with
+// its text, default and stored value) and every text read. Elements are keyed
+// by their position in the document, which is unique per element. On top of
+// that, the views check's rules and report's page ask for: the sites values
+// were taken from, failed lookups with the element probably meant, numbers
+// that did not convert, the layout cells and the connector names.
 
 #include <QtCore/QHash>
 #include <QtCore/QPair>
+#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 #include <QtXml/QDomDocument>
+
+#include <functional>
+#include <initializer_list>
+#include <utility>
 
 #include "common/loadobserver.h"
 
@@ -44,7 +52,7 @@ struct ElementTrace {
 using Position = QPair<int, int>; // line, column of an element
 
 struct DocumentTrace {
-    QString path; // absolute
+    QString path; // absolute (the tree names every document so)
     bool ok = false;
     QString error;
     int line = 0;
@@ -56,10 +64,101 @@ struct DocumentTrace {
     const ElementTrace* at(const QDomElement& e) const;
 };
 
+// ---- sites: where the records' values were read ---------------------------
+// Records carry no positions; a rule finds the element an id came from here.
+// The loads of one document share its sites.
+
+// One element a reader took values from.
+struct Site {
+    QString document; // absolute, as the tree reports it
+    QString tag;
+    int line = 0;
+    int column = 0;
+    QHash<QString, QString> values; // attributes read, as stored (defaults too); "#text" for the text
+};
+
+// A child lookup that found nothing: at the parent, with the missing path.
+struct Missing {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString name; // the missing child
+    QString path; // e.g. "Vrn/Device"
+    // A child of the parent whose name is one or two letters off, when
+    // there is one: the element the author probably meant.
+    QString near;
+    int nearLine = 0;
+    int nearColumn = 0;
+};
+
+// An attribute read as absent where the element has one a letter or two away.
+struct NearAttribute {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString name; // looked for
+    QString near; // written
+};
+
+// A document that could not be opened, parsed, or whose root was refused.
+struct DocumentFailure {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString error;
+    bool rejected = false; // parsed, but the root check failed
+};
+
+// A number attribute whose text does not convert: the reader stored `stored`.
+struct BadNumber {
+    QString document;
+    int line = 0;
+    int column = 0;
+    QString name;
+    QString raw;
+    QString stored;
+};
+
+// A place in a document as the loader named it (report's layout cells).
+struct Place {
+    QString document;
+    int line = 0;
+    int column = 0;
+};
+
+// The names of a connector type, from its description's text reads.
+struct ConnectorNames {
+    QString en, zhCN, shortEn, shortZhCN;
+};
+
 class Trace : public LCD::ConfigModel::LoadObserver {
 public:
     const QVector<DocumentTrace>& documents() const { return m_documents; }
     const DocumentTrace* document(const QString& path) const;
+
+    // -- sites
+    const QVector<Site>& sites() const { return m_sites; }
+    const QVector<Missing>& missing() const { return m_missing; }
+    const QVector<DocumentFailure>& failures() const { return m_failures; }
+    const QVector<BadNumber>& badNumbers() const { return m_badNumbers; }
+    const QVector<NearAttribute>& nearAttributes() const { return m_nearAttributes; }
+    // The site of the element at this place, or null.
+    const Site* siteAt(const QString& document, int line, int column) const;
+    // Every site whose document satisfies `document`, whose tag is `tag` (any
+    // when empty) and that holds every (name, value) pair, in reading order.
+    using Match = std::initializer_list<std::pair<const char*, QString>>;
+    QVector<const Site*> find(const std::function<bool(const QString&)>& document, const QString& tag,
+                              Match values) const;
+    // The latest lookup of `name` that failed in `document`, or null.
+    const Missing* lastMissing(const QString& document, const QString& name) const;
+    // Whether a reader reached the element at this place.
+    bool found(const QString& document, int line, int column) const;
+
+    // -- what report draws that the records do not carry
+    const QVector<Place>& cells() const { return m_cells; } // every layout cell, in reading order
+    const QHash<int, ConnectorNames>& connectorNames() const { return m_names; }      // by connector type
+    const QHash<QString, int>& connectorDocuments() const { return m_connectorDocs; } // document -> type
+    const QHash<QString, int>& cardDocuments() const { return m_cardDocs; } // document -> first card model
 
     void documentStarted(const QString& path) override;
     void documentParsed(const LCD::ConfigModel::DocumentRead& read) override;
@@ -71,8 +170,23 @@ public:
 
 private:
     ElementTrace* record(const QDomElement& e);
+    Site& siteOf(const QDomElement& element);
+    void reportRead(const LCD::ConfigModel::AttributeRead& read);
+    void reportText(const QDomElement& element);
 
     QVector<DocumentTrace> m_documents;
+    QString m_path; // the current document
+    QVector<Site> m_sites;
+    QHash<QString, int> m_index; // "document:line:column" to its site
+    QVector<Missing> m_missing;
+    QVector<DocumentFailure> m_failures;
+    QVector<BadNumber> m_badNumbers;
+    QVector<NearAttribute> m_nearAttributes;
+    QVector<Place> m_cells;
+    QSet<QString> m_seenCells;
+    QHash<int, ConnectorNames> m_names;
+    QHash<QString, int> m_connectorDocs;
+    QHash<QString, int> m_cardDocs;
 };
 
 // The key of an element in a document trace.
@@ -96,11 +210,19 @@ template <class F> void forEachElement(const QDomDocument& document, F&& f) {
 QString elementPath(const QDomElement& e);
 
 // What the readers know, gathered from traces: per element path the names of
-// the children they looked for or reached and the attributes they read.
+// the children they looked for or reached and the attributes they read, and
+// how the texts read there look.
 struct Vocabulary {
     QHash<QString, QStringList> children;   // parent path -> child names
     QHash<QString, QStringList> attributes; // element path -> attribute names
+    // element path -> texts read there that are decimal integers, and others
+    QHash<QString, QPair<int, int>> texts;
     void add(const Trace& trace);
+    // Whether the readers take the text of elements at `path` as a number:
+    // the observer says only that a text was read, so a path counts as a
+    // number when most texts read there are decimal integers (names are
+    // read as texts, the HDR option values as numbers).
+    bool textIsNumber(const QString& path) const;
 };
 
 // The closest of `names` to `name` (case-insensitive edit distance), when it
