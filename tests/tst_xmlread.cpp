@@ -52,14 +52,15 @@ private Q_SLOTS:
         const QDomElement e = xml.isEmpty() ? QDomElement() : parse(xml);
         s_RangeValue r;
         if (reader == "listed") {
-            r = readRange(
+            r = readAs<s_RangeValue>(
                 e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Min", "0"}, {"Max", "255"}});
         } else if (reader == "lenient") {
-            readRangeLenient(e, r);
+            update(e, kLenient, r);
         } else {
             QString error;
-            QVERIFY(readRangeStrict(e, "R", r, error,
-                                    {"Support", "Editable", "Value", "Min", "Max", "DataType"}));
+            Section s(error, kLoader);
+            update(s.need(e, "R"), kEmpty, r);
+            QVERIFY(s.complete());
         }
         LCD_COMPARE_RECORDS(r, expected);
         QCOMPARE(r.step, 1.0);
@@ -140,7 +141,7 @@ private Q_SLOTS:
         test::MessageRecorder recorder;
         const bool complete = transact(stored, error, kLoader, [&](Section& s, s_SupportInfo& local) {
             const QDomElement genlock = s.need(root, "Genlock");
-            local = readPair(genlock);
+            local = readAs<s_SupportInfo>(genlock, kLenientPair);
             s.need(s.need(genlock, "Phase"), "Offset"); // Phase is missing: Offset is never asked for
         });
         QVERIFY(!complete);
@@ -149,7 +150,7 @@ private Q_SLOTS:
         QVERIFY(recorder.messages().isEmpty());
 
         QVERIFY(transact(stored, error, kLoader, [&](Section& s, s_SupportInfo& local) {
-            local = readPair(s.need(root, "Genlock"), "1", "0");
+            local = readAs<s_SupportInfo>(s.need(root, "Genlock"), {{"Support", "1"}, {"Editable", "0"}});
         }));
         QCOMPARE(stored, (s_SupportInfo{1, 0}));
         QCOMPARE(error, QStringLiteral("Invalid [Phase] node.")); // success leaves the message
