@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <iterator>
 
 namespace LCD {
 namespace ConfigModel {
@@ -243,26 +244,13 @@ void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
 
 namespace detail {
 
-Field field(const char* name) {
-    const auto is = [name](const char* n, Field f) { return std::strcmp(name, n) == 0 ? f : Field::Unknown; };
-    switch (name[0]) {
-    case 'S':
-        return name[1] == 'u' ? is("Support", Field::Support) : is("Step", Field::Step);
-    case 'E':
-        return is("Editable", Field::Editable);
-    case 'V':
-        return is("Value", Field::Value);
-    case 'D':
-        return is("DataType", Field::DataType);
-    case 'M':
-        return name[1] == 'i' ? is("Min", Field::Min) : is("Max", Field::Max);
-    case 'R':
-        return is("RangeType", Field::RangeType);
-    case 'C':
-        return is("Coefficient", Field::Coefficient);
-    default:
-        return Field::Unknown;
-    }
+int field(const char* name) {
+    static const char* const names[] = {"Support", "Editable",  "Value",       "DataType", "Min",
+                                        "Max",     "RangeType", "Coefficient", "Step"};
+    for (int i = 0; i < int(std::size(names)); ++i)
+        if (std::strcmp(name, names[i]) == 0) return i;
+    Q_ASSERT_X(false, "xml::readAs", name); // no record has a field of that name
+    return -1;
 }
 
 void store(const QDomElement& e, const Attr& a, qint32* out) {
@@ -298,12 +286,6 @@ std::vector<qint32> readValueList(const QDomElement& e, ListFrom list) {
     forEachRepeated(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
                     [&](const QDomElement& item) { values.push_back(intAttr(item, "Value")); });
     return values;
-}
-
-std::vector<s_RangeValue> readRangeList(const QDomElement& e, Attrs attrs) {
-    std::vector<s_RangeValue> list;
-    forEachChild(e, [&](const QDomElement& item) { list.push_back(readAs<s_RangeValue>(item, attrs)); });
-    return list;
 }
 
 Section::Section(QString& error, const Loader& loader) : m_error(error), m_loader(loader) {}

@@ -35,6 +35,11 @@ LCD_CONFIGMODEL_EXPORT QDomElement child(const QDomElement& parent, const char* 
 LCD_CONFIGMODEL_EXPORT QDomElement firstChild(const QDomElement& parent);
 // The next sibling element of any name.
 LCD_CONFIGMODEL_EXPORT QDomElement next(const QDomElement& element);
+// The child element at `position` (0 = first) whatever its name; null when
+// `parent` has fewer children.
+LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
+// True when `e` is an element named exactly `name` (case-sensitive).
+LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
 
 // The children of one element indexed by tag name in one pass, for walks
 // that look up many children of the same element: a lookup is a hash probe
@@ -89,21 +94,17 @@ LCD_CONFIGMODEL_EXPORT double doubleAttr(const QDomElement& e, const char* name,
 LCD_CONFIGMODEL_EXPORT std::string textAttr(const QDomElement& e, const char* name, const char* def = "");
 
 // ---- texts ----------------------------------------------------------------
-// elementText is the element's whole text (every text node below it) for the
-// Qt-typed records; utf8() turns it into the std::string the other records
-// keep. firstNodeText is the value of the first child node only: a name cut
-// short by a comment or a child element keeps only its first part.
 
 LCD_CONFIGMODEL_EXPORT std::string utf8(const QString& text);
-// The element's whole text content; empty for a null element.
+// The element's whole text (every text node below it); empty for a null
+// element. utf8(elementText(e)) for the records that keep std::string.
 LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
-// The value of the element's first child node (its text when it has one), as UTF-8.
+// Only the value of the first child node, as UTF-8: a name cut by a comment or
+// a child element keeps its first part (the card and connector names).
 LCD_CONFIGMODEL_EXPORT std::string firstNodeText(const QDomElement& e);
 // The element's whole text as a decimal integer; empty or non-numeric gives 0
 // (surrounding blanks are allowed).
 LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
-
-// ---- integer fields of any record -----------------------------------------
 
 // One attribute bound to an integer field, with its default.
 struct IntField {
@@ -152,83 +153,45 @@ enum class ListFrom {
 };
 
 namespace detail {
-enum class Field { Support, Editable, Value, DataType, Min, Max, RangeType, Coefficient, Step, Unknown };
-LCD_CONFIGMODEL_EXPORT Field field(const char* name);
+// The position of an attribute name in the list of readFields below.
+LCD_CONFIGMODEL_EXPORT int field(const char* name);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, qint32* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, qint64* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, float* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, double* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, std::string* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, std::nullptr_t); // no such field
-// The member `m` of a record, or nullptr when the record has none.
-#define LCD_XML_MEMBER(m)                                                                                    \
-    template <class R> auto m(R& r, int)->decltype(&r.m) {                                                   \
-        return &r.m;                                                                                         \
-    }                                                                                                        \
-    template <class R> std::nullptr_t m(R&, long) {                                                          \
-        return nullptr;                                                                                      \
-    }
-LCD_XML_MEMBER(support)
-LCD_XML_MEMBER(editable)
-LCD_XML_MEMBER(value)
-LCD_XML_MEMBER(text)
-LCD_XML_MEMBER(dataType)
-LCD_XML_MEMBER(min)
-LCD_XML_MEMBER(max)
-LCD_XML_MEMBER(rangeType)
-LCD_XML_MEMBER(coefficient)
-LCD_XML_MEMBER(step)
+// The member `m` of a record, or nullptr when the record has none ("Value" of
+// a text record is its text).
+// clang-format off
+#define LCD_XML_MEMBER(m) \
+    template <class R> auto m(R& r, int) -> decltype(&r.m) { return &r.m; } \
+    template <class R> std::nullptr_t m(R&, ...) { return nullptr; }
+LCD_XML_MEMBER(support) LCD_XML_MEMBER(editable) LCD_XML_MEMBER(dataType) LCD_XML_MEMBER(min)
+LCD_XML_MEMBER(max) LCD_XML_MEMBER(rangeType) LCD_XML_MEMBER(coefficient) LCD_XML_MEMBER(step)
 #undef LCD_XML_MEMBER
+template <class R> auto value(R& r, int) -> decltype(&r.value) { return &r.value; }
+template <class R> auto value(R& r, long) -> decltype(&r.text) { return &r.text; }
+template <class R> std::nullptr_t value(R&, ...) { return nullptr; }
+// clang-format on
 
 template <class R> void readFields(const QDomElement& e, Attrs attrs, R& r) {
+    const auto fields = std::make_tuple(support(r, 0), editable(r, 0), value(r, 0), dataType(r, 0), min(r, 0),
+                                        max(r, 0), rangeType(r, 0), coefficient(r, 0), step(r, 0));
     for (const Attr& a : attrs) {
-        switch (field(a.name)) {
-        case Field::Support:
-            store(e, a, support(r, 0));
-            break;
-        case Field::Editable:
-            store(e, a, editable(r, 0));
-            break;
-        case Field::Value:
-            if constexpr (std::is_same_v<decltype(value(r, 0)), std::nullptr_t>)
-                store(e, a, text(r, 0));
-            else
-                store(e, a, value(r, 0));
-            break;
-        case Field::DataType:
-            store(e, a, dataType(r, 0));
-            break;
-        case Field::Min:
-            store(e, a, min(r, 0));
-            break;
-        case Field::Max:
-            store(e, a, max(r, 0));
-            break;
-        case Field::RangeType:
-            store(e, a, rangeType(r, 0));
-            break;
-        case Field::Coefficient:
-            store(e, a, coefficient(r, 0));
-            break;
-        case Field::Step:
-            store(e, a, step(r, 0));
-            break;
-        case Field::Unknown:
-            store(e, a, nullptr);
-            break;
-        }
+        const int wanted = field(a.name);
+        std::apply(
+            [&](auto... f) {
+                int i = 0;
+                ((i++ == wanted ? store(e, a, f) : void()), ...);
+            },
+            fields);
     }
 }
 } // namespace detail
 
 // The "Value" attribute of each listed child (absent gives 0), in file order.
 LCD_CONFIGMODEL_EXPORT std::vector<qint32> readValueList(const QDomElement& e, ListFrom list);
-template <class V> std::vector<V> readValues(const QDomElement& e, ListFrom list) {
-    std::vector<V> out;
-    for (qint32 v : readValueList(e, list))
-        out.push_back(V{v});
-    return out;
-}
 
 // A fresh record with the listed attributes read (a null element gives the
 // converted defaults): readAs<s_RangeValue>(e, kLenient).
@@ -240,7 +203,8 @@ template <class R> R readAs(const QDomElement& e, Attrs attrs) {
 // The same, with the values of an enumerated setting taken from `list`.
 template <class R> R readAs(const QDomElement& e, Attrs attrs, ListFrom list) {
     R r = readAs<R>(e, attrs);
-    r.values = readValues<typename decltype(r.values)::value_type>(e, list);
+    for (qint32 v : readValueList(e, list))
+        r.values.push_back({v});
     return r;
 }
 
@@ -254,11 +218,8 @@ template <class R> void update(const QDomElement& e, Attrs attrs, R& out) {
 template <class R> void update(const QDomElement& e, Attrs attrs, ListFrom list, R& out) {
     if (e.isNull()) return;
     detail::readFields(e, attrs, out);
-    if (list != ListFrom::None) out.values = readValues<typename decltype(out.values)::value_type>(e, list);
+    if (list != ListFrom::None) out.values = readAs<R>(e, {}, list).values;
 }
-
-// Every child element of any name read as a range with `attrs`.
-LCD_CONFIGMODEL_EXPORT std::vector<s_RangeValue> readRangeList(const QDomElement& e, Attrs attrs);
 
 // ---- sections -------------------------------------------------------------
 
@@ -327,14 +288,6 @@ bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, 
     list.push_back(std::move(item));
     return true;
 }
-
-// ---- more walks -----------------------------------------------------------
-
-// The child element at `position` (0 = first) whatever its name; null when
-// `parent` has fewer children.
-LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
-// True when `e` is an element named exactly `name` (case-sensitive).
-LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
 
 // forEachChild that stops at the first child for which `f` returns false.
 // Returns false when it stopped.

@@ -243,7 +243,7 @@ void Walk::readSystemSections(const Children& device, s_DeviceFeature& f) {
         auto& [file, items] = local;
         const QDomElement e = s.need(device, "File");
         file = readAs<s_SupportInfo>(e, kLenientPair);
-        items = readRangeList(e, kEmpty);
+        items = readEachChild(e, [](const QDomElement& i) { return readAs<s_RangeValue>(i, kEmpty); });
     });
     section(f.deviceModes, [&](Section& s, s_OptionList& modes) {
         modes = readAs<s_OptionList>(s.need(device, "DeviceModes"), kContained, ListFrom::EnumFirst);
