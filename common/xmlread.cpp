@@ -43,6 +43,7 @@ const QString& interned(const char* name) {
     struct Slot {
         std::atomic<const char*> key{nullptr};
         QString text;
+        QByteArray latin; // the text as it was given, for the check
     };
     constexpr size_t kSlots = 1024;
     static const char claimed = 0;
@@ -52,11 +53,12 @@ const QString& interned(const char* name) {
         Slot& s = slots[(start + probe) % kSlots];
         const char* key = s.key.load(std::memory_order_acquire);
         if (!key && s.key.compare_exchange_strong(key, &claimed, std::memory_order_acq_rel)) {
-            s.text = QString::fromLatin1(name);
+            s.latin = QByteArray(name);
+            s.text = QString::fromLatin1(s.latin);
             s.key.store(name, std::memory_order_release);
             return s.text;
         }
-        if (key == name && s.text == QLatin1String(name)) return s.text;
+        if (key == name && std::strcmp(s.latin.constData(), name) == 0) return s.text;
         if (key == &claimed) break;
     }
     thread_local QString fallback;
