@@ -24,6 +24,7 @@ const Loader kLoader{kDeviceFile, nullptr, LCD_LOG_SITE};
 } // namespace
 
 Q_DECLARE_METATYPE(s_RangeValue)
+Q_DECLARE_METATYPE(Missing)
 
 class XmlReadTest : public QObject {
     Q_OBJECT
@@ -154,6 +155,38 @@ private Q_SLOTS:
         }));
         QCOMPARE(stored, (s_SupportInfo{1, 0}));
         QCOMPARE(error, QStringLiteral("Invalid [Phase] node.")); // success leaves the message
+    }
+
+    // Two absent children, then a present one: what each policy does to the
+    // section, the message and the warnings.
+    void missingPolicies_data() {
+        QTest::addColumn<Missing>("missing");
+        QTest::addColumn<bool>("walkGoesOn");
+        QTest::addColumn<QString>("error");
+        QTest::addColumn<QStringList>("warnings");
+        QTest::newRow("ends") << Missing::Ends << false << "Invalid [X] node." << QStringList();
+        QTest::newRow("ends, logged")
+            << Missing::EndsLogged << false << "Invalid [X] node." << QStringList{"Log: Invalid [X] node."};
+        QTest::newRow("noted") << Missing::Noted << true << "Invalid [Y] node." << QStringList();
+        QTest::newRow("noted, logged") << Missing::NotedLogged << true << "Invalid [Y] node."
+                                       << QStringList{"Log: Invalid [X] node.", "Log: Invalid [Y] node."};
+    }
+
+    void missingPolicies() {
+        QFETCH(Missing, missing);
+        QFETCH(bool, walkGoesOn);
+        QFETCH(QString, error);
+        QFETCH(QStringList, warnings);
+        const QDomElement root = parse("<R><A/></R>");
+        QString written;
+        test::MessageRecorder recorder;
+        Section s(written, kLoader);
+        QVERIFY(s.need(root, "X", missing).isNull());
+        QVERIFY(s.need(root, "Y", missing).isNull());
+        QCOMPARE(!s.need(Children(root), "A", missing).isNull(), walkGoesOn);
+        QCOMPARE(s.complete(), walkGoesOn);
+        QCOMPARE(written, error);
+        QCOMPARE(recorder.warnings(), warnings);
     }
 
     void observerSeesLookupsAndReads() {
