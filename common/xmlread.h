@@ -2,9 +2,10 @@
 
 // The reading vocabulary every description-file walk is written in. Each idiom
 // exists once, here: child lookup, the repeated-element walk, attribute reads
-// with a visible default, UTF-8 text, and the value shapes. Element lookups,
-// attribute reads and text reads report to the load observer
-// (common/loadobserver.h; a null test when none is attached).
+// with a visible default, texts, the value shapes (one reader over a table of
+// attributes and defaults) and the sections with their one missing-element
+// policy. Element lookups, attribute reads and text reads report to the load
+// observer (common/loadobserver.h; a null test when none is attached).
 
 #include <QtCore/QHash>
 #include <QtCore/QString>
