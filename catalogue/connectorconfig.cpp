@@ -73,70 +73,74 @@ std::vector<s_Connector> readInterfaceTable(const QDomElement& table) {
 // Every reader below leaves its record untouched for a null element: an
 // optional element that is missing keeps the initial values, and after the
 // first missing required element (Section returns null from then on) nothing
-// more is read. Attributes are read with an empty default: absent gives 0.
+// more is read. Attributes are read with an empty default (absent gives 0), in
+// the order of their table. need: required; kLogged: required, and its absence
+// also written as a "Log:" warning; child: optional.
 
-// "Support", "Editable", "Value", "DataType" and the "Value" of every child.
-void readEnumSet(const QDomElement& e, s_ConnectorEnumSet& out) {
-    if (e.isNull()) return;
-    readInts(e, {{"Support", &out.support},
-                 {"Editable", &out.editable},
-                 {"Value", &out.value},
-                 {"DataType", &out.dataType}});
-    out.values = readValues<ConnectorEnumValue>(e, ListFrom::AnyChild);
-}
+constexpr Missing kLogged = Missing::EndsLogged;
+// Timing ranges read all six attributes in this order.
+const Attrs kTimingRange{{"Support", ""}, {"Editable", ""}, {"Min", ""},
+                         {"Max", ""},     {"DataType", ""}, {"Value", ""}};
+// Preset porch, sync and total: their "Max" and "Value" keep the defaults.
+const Attrs kPresetRange{{"Support", ""}, {"Editable", ""}, {"Min", ""}, {"DataType", ""}};
+const Attrs kLimit{{"Support", ""}, {"Editable", ""}, {"DataType", ""}, {"Min", ""}, {"Max", ""}};
+const Attrs kBandWidth{{"Support", ""}, {"Editable", ""}, {"Max", ""}, {"Min", ""}};
+const Attrs kTypeHeader{{"Support", ""}, {"Editable", ""}, {"DataType", ""}};
+const Attrs kRefresh{{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}, {"Coefficient", ""}};
+const Attrs kCount{{"Support", ""}, {"Editable", ""}, {"DataType", ""}, {"Value", ""}, {"RangeType", ""}};
+const Attrs kCutoutRatio{{"Support", ""}, {"Editable", ""},  {"DataType", ""},
+                         {"Value", ""},   {"RangeType", ""}, {"Coefficient", ""}};
+// Contrast and brightness channels have no "Editable".
+const Attrs kChannel{{"Support", ""}, {"Max", ""}, {"Min", ""}, {"DataType", ""}, {"Value", ""}};
+const Attrs kPicture{{"Support", ""},  {"Max", ""},   {"Min", ""},
+                     {"DataType", ""}, {"Value", ""}, {"Editable", ""}};
+const Attrs kRgbRange{{"Support", ""}, {"Editable", ""}, {"Max", ""},
+                      {"Min", ""},     {"DataType", ""}, {"Value", ""}};
 
 void readNames(Section& s, const QDomElement& e, std::string& zh_CN, std::string& en) {
     zh_CN = firstNodeText(s.need(e, "zh_CN"));
     en = firstNodeText(s.need(e, "en"));
 }
 
-void readStepRange(const QDomElement& e, s_ConnectorStepRange& out) {
-    update(e, kEmpty, out.range);
-    if (!e.isNull()) out.step = intAttr(e, "Step"); // not range.step, which stays 1.0
-}
-
-void readRateRange(const QDomElement& e, s_ConnectorRateRange& out) {
-    update(e, kEmpty, out.range);
-    if (!e.isNull()) out.coefficient = floatAttr(e, "Coefficient");
-}
-
 void readResolutionRatios(const QDomElement& e, s_ConnectorResolutionRatios& out) {
-    updatePair(e, out);
-    const QDomElement ratio = child(e, "ResolutionRatio");
-    updatePair(ratio, out.resolutionRatio);
-    readStepRange(child(ratio, "Width"), out.resolutionRatio.width);
-    readStepRange(child(ratio, "Height"), out.resolutionRatio.height);
-    readRateRange(child(ratio, "RefreshRate"), out.resolutionRatio.refreshRate);
+    update(e, kEmptyPair, out);
+    const Children ratio(child(e, "ResolutionRatio"));
+    update(ratio.element(), kEmptyPair, out.resolutionRatio);
+    s_ConnectorResolutionRatio& r = out.resolutionRatio;
+    const QDomElement width = ratio("Width");
+    update(width, kEmpty, r.width.range);
+    update(width, {{"Step", ""}}, r.width); // not range.step, which stays 1.0
+    const QDomElement height = ratio("Height");
+    update(height, kEmpty, r.height.range);
+    update(height, {{"Step", ""}}, r.height);
+    const QDomElement rate = ratio("RefreshRate");
+    update(rate, kEmpty, r.refreshRate.range);
+    update(rate, {{"Coefficient", ""}}, r.refreshRate);
 }
 
 void readAdvancedAxis(const QDomElement& e, s_ConnectorTimingAxis& axis) {
-    updatePair(e, axis);
-    const auto all = {"Support", "Editable", "Min", "Max", "DataType", "Value"};
-    readRangeAttrs(child(e, "AddTime"), axis.addTime, all);
-    readRangeAttrs(child(e, "FrontPorch"), axis.frontPorch, all);
-    readRangeAttrs(child(e, "Sync"), axis.sync, all);
-    readRangeAttrs(child(e, "TotalTime"), axis.totalTime, all);
+    update(e, kEmptyPair, axis);
+    const Children c(e);
+    update(c("AddTime"), kTimingRange, axis.addTime);
+    update(c("FrontPorch"), kTimingRange, axis.frontPorch);
+    update(c("Sync"), kTimingRange, axis.sync);
+    update(c("TotalTime"), kTimingRange, axis.totalTime);
     // The values listed under "SyncPolarity" have no place in the axis record.
-    readRangeAttrs(child(e, "SyncPolarity"), axis.polarity, {"Support", "Editable", "Value", "DataType"});
+    update(c("SyncPolarity"), kEmptyOptions, axis.polarity);
 }
 
 void readCapacityMode(Section& s, const QDomElement& e, s_CapacityModeInInterface& mode) {
     readInts(e, {{"Support", &mode.support}, {"Editable", &mode.editable}, {"Value", &mode.value}});
+    const Children c(e);
+    update(s.need(c, "BandWidth"), kBandWidth, mode.bandWidth);
+    readResolutionRatios(s.need(c, "ResolutionRatios"), mode.resolutionRatios);
 
-    const QDomElement band = s.need(e, "BandWidth");
-    if (!band.isNull()) {
-        updatePair(band, mode.bandWidth);
-        mode.bandWidth.max = intAttr(band, "Max");
-        mode.bandWidth.min = intAttr(band, "Min");
-    }
-    readResolutionRatios(s.need(e, "ResolutionRatios"), mode.resolutionRatios);
-
-    const QDomElement adv = child(e, "AdvResolutionRatio"); // optional, as are its children
-    updatePair(adv, mode.advResolutionRatio);
+    const QDomElement adv = c("AdvResolutionRatio"); // optional, as are its children
+    update(adv, kEmptyPair, mode.advResolutionRatio);
     readAdvancedAxis(child(adv, "Horizontal"), mode.advResolutionRatio.horizontal);
     readAdvancedAxis(child(adv, "Vertical"), mode.advResolutionRatio.vertical);
 
-    forEachChild(child(e, "Disables"), [&](const QDomElement& d) {     // optional
+    forEachChild(c("Disables"), [&](const QDomElement& d) {            // optional
         s_resolutionResolutionRatio& r = mode.disables.emplace_back(); // interlaced stays 1
         readInts(d, {{"Width", &r.width}, {"Height", &r.height}, {"RefreshRate", &r.refreshRate}});
         r.coefficient = floatAttr(d, "Coefficient");
@@ -155,68 +159,44 @@ void readCapacityModes(Section& s, const QDomElement& e, s_ConnectorCfg& c) {
 }
 
 void readHdcp(Section& s, const QDomElement& e, s_ConnectorHDCP& hdcp) {
-    updatePair(e, hdcp);
+    update(e, kEmptyPair, hdcp);
     forEachChild(e, [&](const QDomElement& i) {
         s_InterfaceInHDCP& in = hdcp.interfaces.emplace_back();
         in.type = intAttr(i, "Type");
-        readEnumSet(s.needLogged(i, "Enable"), in.enable);
-        readEnumSet(child(i, "Type"), in.typeSet); // optional
+        update(s.need(i, "Enable", kLogged), kEmptyOptions, ListFrom::AnyChild, in.enable);
+        update(child(i, "Type"), kEmptyOptions, ListFrom::AnyChild, in.typeSet); // optional
     });
 }
 
-void readLimit(const QDomElement& e, s_ConnectorLimit& limit) {
-    if (!e.isNull())
-        readInts(e, {{"Support", &limit.support},
-                     {"Editable", &limit.editable},
-                     {"DataType", &limit.dataType},
-                     {"Min", &limit.min},
-                     {"Max", &limit.max}});
-}
-
 void readGeneral(Section& s, const QDomElement& e, s_ConnectorGeneral& general) {
-    updatePair(e, general);
-    const QDomElement type = s.needLogged(e, "Type");
-    if (!type.isNull()) {
-        readInts(type, {{"Support", &general.type.support},
-                        {"Editable", &general.type.editable},
-                        {"DataType", &general.type.dataType}});
-        general.type.values = readValues<ConnectorEnumValue>(type, ListFrom::AnyChild);
-    }
-    readLimit(s.needLogged(e, "Name"), general.name);
-    readLimit(s.needLogged(e, "NameGB2312"), general.nameGB2312);
+    update(e, kEmptyPair, general);
+    const Children c(e);
+    update(s.need(c, "Type", kLogged), kTypeHeader, ListFrom::AnyChild, general.type);
+    update(s.need(c, "Name", kLogged), kLimit, general.name);
+    update(s.need(c, "NameGB2312", kLogged), kLimit, general.nameGB2312);
 }
 
-// A preset timing axis reads only "Support", "Editable", "Min" and "DataType"
-// of porch, sync and total: their "Max" and "Value" keep the defaults.
 void readPresetAxis(Section& s, const QDomElement& e, s_PresetTimingAxis& axis) {
-    updatePair(e, axis);
-    readRangeAttrs(s.needLogged(e, "AddTime"), axis.addTime,
-                   {"Support", "Editable", "Min", "Max", "DataType", "Value"});
-    readRangeAttrs(s.needLogged(e, "FrontPorch"), axis.frontPorch,
-                   {"Support", "Editable", "Min", "DataType"});
-    readRangeAttrs(s.needLogged(e, "Sync"), axis.sync, {"Support", "Editable", "Min", "DataType"});
-    readRangeAttrs(s.needLogged(e, "TotalTime"), axis.totalTime, {"Support", "Editable", "Min", "DataType"});
-    readEnumSet(s.needLogged(e, "SyncPolarity"), axis.polarity);
+    update(e, kEmptyPair, axis);
+    const Children c(e);
+    update(s.need(c, "AddTime", kLogged), kTimingRange, axis.addTime);
+    update(s.need(c, "FrontPorch", kLogged), kPresetRange, axis.frontPorch);
+    update(s.need(c, "Sync", kLogged), kPresetRange, axis.sync);
+    update(s.need(c, "TotalTime", kLogged), kPresetRange, axis.totalTime);
+    update(s.need(c, "SyncPolarity", kLogged), kEmptyOptions, ListFrom::AnyChild, axis.polarity);
 }
 
 void readPresetTiming(Section& s, const QDomElement& e, s_ConnectorPresetTiming& timing) {
-    updatePair(e, timing);
+    update(e, kEmptyPair, timing);
     forEachChild(e, [&](const QDomElement& i) {
         s_PreSetTimingInterface& t = timing.interfaces.emplace_back();
         t.type = intAttr(i, "Type");
-        readEnumSet(s.needLogged(i, "Interlaced"), t.interlaced);
-        readLimit(s.needLogged(i, "BandWidth"), t.bandWidth);
-        const QDomElement refresh = s.needLogged(i, "Refresh");
-        if (!refresh.isNull()) {
-            readInts(refresh, {{"Support", &t.refresh.support},
-                               {"Editable", &t.refresh.editable},
-                               {"Value", &t.refresh.value},
-                               {"DataType", &t.refresh.dataType}});
-            t.refresh.coefficient = floatAttr(refresh, "Coefficient");
-            t.refresh.values = readValues<ConnectorEnumValue>(refresh, ListFrom::AnyChild);
-        }
-        readPresetAxis(s, s.needLogged(i, "Horizontal"), t.horizontal);
-        readPresetAxis(s, s.needLogged(i, "Vertical"), t.vertical);
+        const Children c(i);
+        update(s.need(c, "Interlaced", kLogged), kEmptyOptions, ListFrom::AnyChild, t.interlaced);
+        update(s.need(c, "BandWidth", kLogged), kLimit, t.bandWidth);
+        update(s.need(c, "Refresh", kLogged), kRefresh, ListFrom::AnyChild, t.refresh);
+        readPresetAxis(s, s.need(c, "Horizontal", kLogged), t.horizontal);
+        readPresetAxis(s, s.need(c, "Vertical", kLogged), t.vertical);
     });
 }
 
@@ -224,62 +204,47 @@ void readPresetTiming(Section& s, const QDomElement& e, s_ConnectorPresetTiming&
 template <class Group, class Item>
 void readColorGroup(Section& s, const QDomElement& e, const char* setTag, Group& group,
                     s_ConnectorEnumSet Item::*set) {
-    updatePair(e, group);
+    update(e, kEmptyPair, group);
     forEachChild(e, [&](const QDomElement& i) {
         Item& item = group.interfaces.emplace_back();
         item.type = intAttr(i, "Type");
-        readEnumSet(s.needLogged(i, setTag), item.*set);
+        update(s.need(i, setTag, kLogged), kEmptyOptions, ListFrom::AnyChild, item.*set);
     });
 }
 
 void readRGB(Section& s, const QDomElement& e, s_ConnectorRGB& rgb) {
-    if (!e.isNull()) rgb.support = intAttr(e, "Support");
-    const auto channel = {"Support", "Max", "Min", "DataType", "Value"}; // no "Editable"
-    readRangeAttrs(s.need(e, "R"), rgb.r, channel);
-    readRangeAttrs(s.need(e, "G"), rgb.g, channel);
-    readRangeAttrs(s.need(e, "B"), rgb.b, channel);
+    update(e, {{"Support", ""}}, rgb);
+    const Children c(e);
+    update(s.need(c, "R"), kChannel, rgb.r);
+    update(s.need(c, "G"), kChannel, rgb.g);
+    update(s.need(c, "B"), kChannel, rgb.b);
 }
 
 void readImageQuality(Section& s, const QDomElement& e, s_ConnectorImageQuality& quality) {
-    updatePair(e, quality);
+    update(e, kEmptyPair, quality);
     forEachChild(e, [&](const QDomElement& i) {
         s_InterfaceInImageQuality& q = quality.interfaces.emplace_back();
         q.type = intAttr(i, "Type");
-        readRGB(s, s.need(i, "Contrast"), q.contrast);
-        readRGB(s, s.need(i, "Brightness"), q.brightness);
-        const auto all = {"Support", "Max", "Min", "DataType", "Value", "Editable"};
-        readRangeAttrs(s.need(i, "Hue"), q.hue, all);
-        readRangeAttrs(s.need(i, "Saturation"), q.saturation, all);
-        const QDomElement gamma = s.need(i, "Gamma");
-        readRangeAttrs(gamma, q.gamma, all);
+        const Children c(i);
+        readRGB(s, s.need(c, "Contrast"), q.contrast);
+        readRGB(s, s.need(c, "Brightness"), q.brightness);
+        update(s.need(c, "Hue"), kPicture, q.hue);
+        update(s.need(c, "Saturation"), kPicture, q.saturation);
+        const QDomElement gamma = s.need(c, "Gamma");
+        update(gamma, kPicture, q.gamma);
         if (!gamma.isNull()) q.gammaCoefficient = floatAttr(gamma, "Coefficient");
     });
 }
 
-void readCutoutRatio(const QDomElement& e, s_CutoutRatio& r) {
-    if (e.isNull()) return;
-    readInts(e, {{"Support", &r.support},
-                 {"Editable", &r.editable},
-                 {"DataType", &r.dataType},
-                 {"Value", &r.value},
-                 {"RangeType", &r.rangeType}});
-    r.coefficient = floatAttr(e, "Coefficient");
-}
-
 void readCrop(Section& s, const QDomElement& e, s_ConnectorCrop& crop) {
-    updatePair(e, crop);
-    readEnumSet(s.need(e, "Enable"), crop.enable);
-    readCutoutRatio(s.need(e, "XRatio"), crop.xRatio);
-    readCutoutRatio(s.need(e, "YRatio"), crop.yRatio);
-    readCutoutRatio(s.need(e, "WidthRatio"), crop.widthRatio);
-    readCutoutRatio(s.need(e, "HeightRatio"), crop.heightRatio);
-    const QDomElement count = s.need(e, "MaxCount");
-    if (!count.isNull())
-        readInts(count, {{"Support", &crop.maxCount.support},
-                         {"Editable", &crop.maxCount.editable},
-                         {"DataType", &crop.maxCount.dataType},
-                         {"Value", &crop.maxCount.value},
-                         {"RangeType", &crop.maxCount.rangeType}});
+    update(e, kEmptyPair, crop);
+    const Children c(e);
+    update(s.need(c, "Enable"), kEmptyOptions, ListFrom::AnyChild, crop.enable);
+    update(s.need(c, "XRatio"), kCutoutRatio, crop.xRatio);
+    update(s.need(c, "YRatio"), kCutoutRatio, crop.yRatio);
+    update(s.need(c, "WidthRatio"), kCutoutRatio, crop.widthRatio);
+    update(s.need(c, "HeightRatio"), kCutoutRatio, crop.heightRatio);
+    update(s.need(c, "MaxCount"), kCount, crop.maxCount);
 }
 
 // ---- searches -------------------------------------------------------------------
@@ -393,52 +358,61 @@ bool ConnectorConfigManager::readConfigResolution(const QDomElement& resolutionR
 }
 
 // One connector description, read into a fresh record that is committed only
-// when every required element was found. need: required; needLogged: required,
-// and its absence also written as a "Log:" warning; child: optional.
+// when every required element was found.
 bool ConnectorConfigManager::readConfigConnector(const QDomElement& connector, QString& error,
                                                  s_ConnectorCfg& out) {
     const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     return transact(out, error, loader, [&](Section& s, s_ConnectorCfg& c) {
-        const QDomElement& e = connector;
-        c.type = intAttr(e, "Type");
-        c.icon = textAttr(e, "Icon");
+        const Children e(connector);
+        c.type = intAttr(connector, "Type");
+        c.icon = textAttr(connector, "Icon");
         readNames(s, s.need(e, "Name"), c.name.zh_CN, c.name.en);
         readNames(s, s.need(e, "ShortName"), c.shortName.zh_CN, c.shortName.en);
         c.signalType = intAttr(s.need(e, "SignalType"), "Value");
         readCapacityModes(s, s.need(e, "CapacityMode"), c);
-        readHdcp(s, s.needLogged(e, "HDCP"), c.hdcp);
-        readGeneral(s, s.needLogged(e, "General"), c.general);
-        readPresetTiming(s, s.needLogged(e, "PresetTiming"), c.presetTiming);
-        readColorGroup(s, s.needLogged(e, "ColorDepths"), "ColorDepth", c.colorDepths,
+        readHdcp(s, s.need(e, "HDCP", kLogged), c.hdcp);
+        readGeneral(s, s.need(e, "General", kLogged), c.general);
+        readPresetTiming(s, s.need(e, "PresetTiming", kLogged), c.presetTiming);
+        readColorGroup(s, s.need(e, "ColorDepths", kLogged), "ColorDepth", c.colorDepths,
                        &s_InterfaceInColorDepth::colorDepth);
-        readColorGroup(s, s.needLogged(e, "ColorSpaces"), "ColorSpace", c.colorSpaces,
+        readColorGroup(s, s.need(e, "ColorSpaces", kLogged), "ColorSpace", c.colorSpaces,
                        &s_InterfaceInColorSpace::colorSpace);
-        readColorGroup(s, s.needLogged(e, "ColorRanges"), "ColorRange", c.colorRanges,
+        readColorGroup(s, s.need(e, "ColorRanges", kLogged), "ColorRange", c.colorRanges,
                        &s_InterfaceInColorRange::colorRange);
-        readEnumSet(s.needLogged(e, "FormatMapping"), c.dynamicRange.formatMapping);
-        updatePair(s.needLogged(e, "DynamicRange"), c.dynamicRange);
+        update(s.need(e, "FormatMapping", kLogged), kEmptyOptions, ListFrom::AnyChild,
+               c.dynamicRange.formatMapping);
+        update(s.need(e, "DynamicRange", kLogged), kEmptyPair, c.dynamicRange);
         readImageQuality(s, s.need(e, "ImageQuality"), c.imageQuality);
         readCrop(s, s.need(e, "Crop"), c.crop);
         const QDomElement timingSelect = s.need(e, "TimingSelect");
-        updatePair(timingSelect, c.timingSelect);
-        readEnumSet(s.need(timingSelect, "Select"), c.timingSelect.select);
-        updatePair(s.need(e, "EDID"), c.edid);
+        update(timingSelect, kEmptyPair, c.timingSelect);
+        update(s.need(timingSelect, "Select"), kEmptyOptions, ListFrom::AnyChild, c.timingSelect.select);
+        update(s.need(e, "EDID"), kEmptyPair, c.edid);
         // c.hdr: no element of a connector file fills it.
     });
 }
 
+// The child `tag` of `parent` must exist ("Invalid [%1] node.", untranslated,
+// otherwise); `out` keeps its step.
+namespace {
+bool readRequiredRange(const QDomElement& parent, const QLatin1String& tag, Attrs attrs, s_RangeValue& out,
+                       QString& error) {
+    const Loader loader{kDeviceFile, nullptr, LCD_LOG_SITE};
+    Section s(error, loader);
+    const QByteArray name(tag.data(), tag.size());
+    update(s.need(parent, name.constData()), attrs, out);
+    return s.complete();
+}
+} // namespace
+
 bool ConnectorConfigManager::getAttribute(s_RangeValue& out, const QDomElement& parent,
                                           const QLatin1String& tag, QString& error) {
-    const QByteArray name(tag.data(), tag.size());
-    return readRangeStrict(parent, name.constData(), out, error,
-                           {"Support", "Editable", "Value", "Min", "Max", "DataType"});
+    return readRequiredRange(parent, tag, kEmpty, out, error);
 }
 
 bool ConnectorConfigManager::getRGB(s_RangeValue& out, const QDomElement& parent, const QLatin1String& tag,
                                     QString& error) {
-    const QByteArray name(tag.data(), tag.size());
-    return readRangeStrict(parent, name.constData(), out, error,
-                           {"Support", "Editable", "Max", "Min", "DataType", "Value"});
+    return readRequiredRange(parent, tag, kRgbRange, out, error);
 }
 
 // ---- attribute queries ------------------------------------------------------------

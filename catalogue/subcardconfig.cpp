@@ -108,7 +108,7 @@ s_ConnectorInConnectorsDeviceModeCapacitysCapacity readCapacityConnector(const Q
     s_ConnectorInConnectorsDeviceModeCapacitysCapacity c;
     readConnectorAttrs(e, c);
     c.groupId = intAttr(e, "GroupId");
-    c.dynamicRange = readValueSetting(child(e, "DynamicRange"), kEmptyOptions);
+    c.dynamicRange = readAs<s_ValueSetting>(child(e, "DynamicRange"), kEmptyOptions);
     return c;
 }
 
@@ -220,7 +220,7 @@ s_ConnectorCopy readConnectorCopy(const QDomElement& e) {
     s_ConnectorCopy copy;
     readInts(e, {{"Support", &copy.support}, {"Editable", &copy.editable}, {"Value", &copy.value}});
     const QDomElement related = child(e, "MainRelated");
-    copy.mainRelated = readPair(related, "", "");
+    copy.mainRelated = readAs<s_SupportInfo>(related, kEmptyPair);
     copy.capacityInfos = readEachChild(related, readCopyCapacity);
     return copy;
 }
@@ -231,7 +231,9 @@ s_ConnectorCopy readConnectorCopy(const QDomElement& e) {
 bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loader& loader) {
     readInts(e, {{"ModelId", &card.modelId}, {"CardMode", &card.cardMode}});
     card.interlacedMaxCount = attr(e, "InterlacedMaxCount").toUShort();
-    card.associations = readEachChild(childReported(e, "Associations", error, loader), readAssociation);
+    Section reported(error, loader); // the four lists below: absent is reported and skipped
+    constexpr Missing kReported = Missing::NotedLogged;
+    card.associations = readEachChild(reported.need(e, "Associations", kReported), readAssociation);
 
     const bool named = transact(card.name, error, loader, [&](Section& s, s_Name& name) {
         const QDomElement n = s.need(e, "Name");
@@ -242,11 +244,11 @@ bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loade
 
     card.connectors = readConnectors(child(e, "Connectors"));
 
-    const QDomElement groups = childReported(e, "ConnectorGroups", error, loader);
+    const QDomElement groups = reported.need(e, "ConnectorGroups", kReported);
     if (!groups.isNull() && !readConnectorGroups(groups, card.capacity, error, loader)) return false;
 
     const bool capacitiesRead =
-        forEachChildWhile(childReported(e, "CapacityGroups", error, loader), [&](const QDomElement& c) {
+        forEachChildWhile(reported.need(e, "CapacityGroups", kReported), [&](const QDomElement& c) {
             s_CapacityInCapacityGroups capacity;
             if (!readCapacityGroup(c, capacity, error, loader)) return false;
             card.capacityGroups.push_back(std::move(capacity));
@@ -254,7 +256,7 @@ bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loade
         });
     if (!capacitiesRead) return false;
 
-    card.sections = readEachChild(childReported(e, "Sections", error, loader), readSection);
+    card.sections = readEachChild(reported.need(e, "Sections", kReported), readSection);
     card.connectorCopy = readConnectorCopy(child(e, "ConnectorCopy"));
     return true;
 }

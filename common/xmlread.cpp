@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <iterator>
 
 namespace LCD {
 namespace ConfigModel {
@@ -36,11 +37,13 @@ inline void textWasRead(const QDomElement& e) {
 // is called with string literals, so a name is looked up by its address (and
 // its text checked, in case an address is reused for another name). Slots are
 // claimed once and never change afterwards; a full table or a slot being
-// filled by another thread falls back to a temporary.
-QString interned(const char* name) {
+// filled by another thread falls back to a per-thread temporary, valid until
+// the next call on that thread.
+const QString& interned(const char* name) {
     struct Slot {
         std::atomic<const char*> key{nullptr};
         QString text;
+        QByteArray latin; // the text as it was given, for the check
     };
     constexpr size_t kSlots = 1024;
     static const char claimed = 0;
@@ -50,14 +53,17 @@ QString interned(const char* name) {
         Slot& s = slots[(start + probe) % kSlots];
         const char* key = s.key.load(std::memory_order_acquire);
         if (!key && s.key.compare_exchange_strong(key, &claimed, std::memory_order_acq_rel)) {
-            s.text = QString::fromLatin1(name);
+            s.latin = QByteArray(name);
+            s.text = QString::fromLatin1(s.latin);
             s.key.store(name, std::memory_order_release);
             return s.text;
         }
-        if (key == name && s.text == QLatin1String(name)) return s.text;
+        if (key == name && std::strcmp(s.latin.constData(), name) == 0) return s.text;
         if (key == &claimed) break;
     }
-    return QString::fromLatin1(name);
+    thread_local QString fallback;
+    fallback = QString::fromLatin1(name);
+    return fallback;
 }
 
 // The common shape of a decimal attribute, an optional '-' and one to nine
@@ -83,11 +89,18 @@ struct Found {
     QString raw;
 };
 
+// Stands for an absent attribute: attribute() hands this very text back
+// (shared, so recognised by its data), which no attribute of a document shares.
+const QString& absentMark() {
+    static const QString mark = QStringLiteral("\xFFFF absent");
+    return mark;
+}
+
 inline Found find(const QDomElement& e, const char* name) {
-    // attributeNode() only looks: it is not const in Qt 5 for no reason of its own
-    const QDomAttr a = const_cast<QDomElement&>(e).attributeNode(interned(name));
-    if (a.isNull()) return {false, QString()};
-    return {true, a.value()};
+    const QString& mark = absentMark();
+    QString raw = e.attribute(interned(name), mark);
+    if (raw.constData() == mark.constData()) return {false, QString()};
+    return {true, std::move(raw)};
 }
 
 // Tells the observer how one attribute was read: its text, the default, the
@@ -114,42 +127,29 @@ void reported(const QDomElement& e, const char* name, const char* def, ReadKind 
     o->attributeRead(read);
 }
 
+// A default converted straight from its characters when it is empty or a
+// plain non-negative decimal (what every table writes), as QString's
+// conversion would convert it; anything else goes through QString.
+template <class T, class Convert> T fromDefault(const char* def, bool* ok, Convert&& convert) {
+    if (!*def) {
+        *ok = false;
+        return T(0);
+    }
+    qint32 v;
+    if (*def != '-' && plainDecimal(def, qsizetype(std::strlen(def)), &v)) {
+        *ok = true;
+        return T(v);
+    }
+    return convert(QString::fromLatin1(def), ok);
+}
+
 template <class T, class Convert>
 T number(const QDomElement& e, const char* name, const char* def, ReadKind kind, Convert&& convert) {
     const Found found = find(e, name);
     bool ok = true;
-    const T v = convert(found.present ? found.raw : QString::fromLatin1(def), &ok);
+    const T v = found.present ? convert(found.raw, &ok) : fromDefault<T>(def, &ok, convert);
     reported(e, name, def, kind, found, v, ok);
     return v;
-}
-
-// The field of a range-like record that an attribute name fills.
-template <class R> qint32* rangeField(R& r, const char* name) {
-    if (std::strcmp(name, "Support") == 0) return &r.support;
-    if (std::strcmp(name, "Editable") == 0) return &r.editable;
-    if (std::strcmp(name, "DataType") == 0) return &r.dataType;
-    if constexpr (!std::is_same_v<R, s_TextRange>) {
-        if (std::strcmp(name, "Value") == 0) return &r.value;
-    }
-    if constexpr (!std::is_same_v<R, s_ValueSetting> && !std::is_same_v<R, s_OptionList>) {
-        if (std::strcmp(name, "Min") == 0) return &r.min;
-        if (std::strcmp(name, "Max") == 0) return &r.max;
-    }
-    return nullptr;
-}
-
-template <class R> void readShape(const QDomElement& e, Attrs attrs, R& out) {
-    for (const Attr& a : attrs) {
-        if constexpr (std::is_same_v<R, s_TextRange>) {
-            if (std::strcmp(a.name, "Value") == 0) {
-                out.text = textAttr(e, a.name, a.def);
-                continue;
-            }
-        }
-        qint32* field = rangeField(out, a.name);
-        Q_ASSERT_X(field, "readShape", a.name);
-        if (field) *field = intAttr(e, a.name, a.def);
-    }
 }
 
 } // namespace
@@ -234,11 +234,6 @@ std::string utf8(const QString& text) {
     return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
 }
 
-std::string text(const QDomElement& e) {
-    textWasRead(e);
-    return utf8(e.text());
-}
-
 std::string firstNodeText(const QDomElement& e) {
     textWasRead(e);
     return utf8(e.firstChild().nodeValue());
@@ -249,37 +244,43 @@ void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
         *f.field = intAttr(e, f.name, f.def);
 }
 
-s_SupportInfo readPair(const QDomElement& e, const char* supportDef, const char* editableDef) {
-    s_SupportInfo pair;
-    pair.support = intAttr(e, "Support", supportDef);
-    pair.editable = intAttr(e, "Editable", editableDef);
-    return pair;
+namespace detail {
+
+int field(const char* name) {
+    static const char* const names[] = {"Support", "Editable",  "Value",       "DataType", "Min",
+                                        "Max",     "RangeType", "Coefficient", "Step"};
+    for (int i = 0; i < int(std::size(names)); ++i)
+        if (std::strcmp(name, names[i]) == 0) return i;
+    Q_ASSERT_X(false, "xml::readAs", name); // no record has a field of that name
+    return -1;
 }
 
-s_RangeValue readRange(const QDomElement& e, Attrs attrs) {
-    s_RangeValue r;
-    readShape(e, attrs, r);
-    return r;
+void store(const QDomElement& e, const Attr& a, qint32* out) {
+    *out = intAttr(e, a.name, a.def);
 }
 
-s_ValueSetting readValueSetting(const QDomElement& e, Attrs attrs) {
-    s_ValueSetting r;
-    readShape(e, attrs, r);
-    return r;
+void store(const QDomElement& e, const Attr& a, qint64* out) {
+    *out = intAttr(e, a.name, a.def);
 }
 
-s_TextRange readTextRange(const QDomElement& e, Attrs attrs) {
-    s_TextRange r;
-    readShape(e, attrs, r);
-    return r;
+void store(const QDomElement& e, const Attr& a, float* out) {
+    *out = floatAttr(e, a.name, a.def);
 }
 
-s_OptionList readOptions(const QDomElement& e, Attrs attrs, ListFrom list) {
-    s_OptionList r;
-    readShape(e, attrs, r);
-    r.values = readValues<EnumValue>(e, list);
-    return r;
+void store(const QDomElement& e, const Attr& a, double* out) {
+    *out = doubleAttr(e, a.name, a.def);
 }
+
+void store(const QDomElement& e, const Attr& a, std::string* out) {
+    *out = textAttr(e, a.name, a.def);
+}
+
+void store(const QDomElement&, const Attr& a, std::nullptr_t) {
+    Q_ASSERT_X(false, "xml::read", a.name); // the record has no field of that name
+    Q_UNUSED(a);
+}
+
+} // namespace detail
 
 std::vector<qint32> readValueList(const QDomElement& e, ListFrom list) {
     std::vector<qint32> values;
@@ -287,33 +288,6 @@ std::vector<qint32> readValueList(const QDomElement& e, ListFrom list) {
     forEachRepeated(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
                     [&](const QDomElement& item) { values.push_back(intAttr(item, "Value")); });
     return values;
-}
-
-std::vector<s_RangeValue> readRangeList(const QDomElement& e, Attrs attrs) {
-    std::vector<s_RangeValue> list;
-    forEachChild(e, [&](const QDomElement& item) { list.push_back(readRange(item, attrs)); });
-    return list;
-}
-
-void readRangeLenient(const QDomElement& e, s_RangeValue& out) {
-    if (e.isNull()) return;
-    readShape(e, kLenient, out);
-}
-
-void readPairLenient(const QDomElement& e, s_SupportInfo& out) {
-    if (e.isNull()) return;
-    out = readPair(e, "1", "1");
-}
-
-bool readRangeStrict(const QDomElement& parent, const char* tag, s_RangeValue& out, QString& error,
-                     std::initializer_list<const char*> order) {
-    const QDomElement e = child(parent, tag);
-    if (e.isNull()) {
-        error = QStringLiteral("Invalid [%1] node.").arg(QLatin1String(tag));
-        return false;
-    }
-    readRangeAttrs(e, out, order);
-    return true;
 }
 
 Section::Section(QString& error, const Loader& loader) : m_error(error), m_loader(loader) {}
@@ -330,16 +304,14 @@ QDomElement Children::operator()(const char* name) const {
     return visited(m_first.value(interned(name)), m_parent, name);
 }
 
-QDomElement Section::need(const QDomElement& parent, const char* name) {
-    return m_complete ? found(child(parent, name), name, false) : QDomElement();
+QDomElement Section::need(const QDomElement& parent, const char* name, Missing missing) {
+    const bool ends = missing == Missing::Ends || missing == Missing::EndsLogged;
+    return m_complete || !ends ? found(child(parent, name), name, missing) : QDomElement();
 }
 
-QDomElement Section::need(const Children& parent, const char* name) {
-    return m_complete ? found(parent(name), name, false) : QDomElement();
-}
-
-QDomElement Section::needLogged(const QDomElement& parent, const char* name) {
-    return m_complete ? found(child(parent, name), name, true) : QDomElement();
+QDomElement Section::need(const Children& parent, const char* name, Missing missing) {
+    const bool ends = missing == Missing::Ends || missing == Missing::EndsLogged;
+    return m_complete || !ends ? found(parent(name), name, missing) : QDomElement();
 }
 
 void Section::fail(const QString& name) {
@@ -348,13 +320,15 @@ void Section::fail(const QString& name) {
     m_error = m_loader.invalidNode(name);
 }
 
-QDomElement Section::found(const QDomElement& e, const char* name, bool logged) {
-    if (e.isNull()) {
+QDomElement Section::found(const QDomElement& e, const char* name, Missing missing) {
+    if (!e.isNull()) return e;
+    if (missing == Missing::Ends || missing == Missing::EndsLogged)
         fail(QLatin1String(name));
-        if (logged)
-            QMessageLogger(m_loader.site.file, m_loader.site.line, m_loader.site.function).warning().noquote()
-                << "Log:" << m_error;
-    }
+    else
+        m_error = m_loader.invalidNode(QLatin1String(name));
+    if (missing == Missing::EndsLogged || missing == Missing::NotedLogged)
+        QMessageLogger(m_loader.site.file, m_loader.site.line, m_loader.site.function).warning().noquote()
+            << "Log:" << m_error;
     return e;
 }
 
@@ -368,20 +342,6 @@ qint32 intText(const QDomElement& e) {
     return decimal(e.text(), nullptr);
 }
 
-void update(const QDomElement& e, Attrs attrs, s_RangeValue& out) {
-    if (!e.isNull()) readShape(e, attrs, out);
-}
-
-void update(const QDomElement& e, Attrs attrs, s_TextRange& out) {
-    if (!e.isNull()) readShape(e, attrs, out);
-}
-
-void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out) {
-    if (e.isNull()) return;
-    readShape(e, attrs, out);
-    if (list != ListFrom::None) out.values = readValues<EnumValue>(e, list);
-}
-
 void updateInts(const QDomElement& e, std::initializer_list<IntField> fields) {
     if (!e.isNull()) readInts(e, fields);
 }
@@ -391,22 +351,11 @@ double doubleAttr(const QDomElement& e, const char* name, const char* def) {
                           [](const QString& t, bool* ok) { return t.toDouble(ok); });
 }
 
-QDomElement expect(const QDomElement& parent, const char* name, QString& error, const Loader& loader) {
-    QDomElement e = child(parent, name);
-    if (e.isNull()) error = loader.invalidNode(QLatin1String(name));
-    return e;
-}
-
 QDomElement childAt(const QDomElement& parent, int position) {
     QDomElement e = firstChild(parent);
     for (; position > 0 && !e.isNull(); --position)
         e = next(e);
     return e;
-}
-
-void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list) {
-    if (e.isNull()) return;
-    out = readOptions(e, kLenientOptions, list);
 }
 
 void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers) {
@@ -421,22 +370,8 @@ void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandl
     });
 }
 
-QDomElement childReported(const QDomElement& parent, const char* name, QString& error, const Loader& loader) {
-    Section section(error, loader);
-    return section.needLogged(parent, name);
-}
-
 bool isNamed(const QDomElement& e, const char* name) {
     return !e.isNull() && e.tagName() == QLatin1String(name);
-}
-
-void readRangeAttrs(const QDomElement& e, s_RangeValue& out, std::initializer_list<const char*> names) {
-    if (e.isNull()) return;
-    for (const char* name : names) {
-        qint32* field = rangeField(out, name);
-        Q_ASSERT_X(field, "readRangeAttrs", name);
-        if (field) *field = intAttr(e, name);
-    }
 }
 
 } // namespace xml

@@ -2,18 +2,21 @@
 
 // The reading vocabulary every description-file walk is written in. Each idiom
 // exists once, here: child lookup, the repeated-element walk, attribute reads
-// with a visible default, UTF-8 text, and the value shapes. Element lookups,
-// attribute reads and text reads report to the load observer
-// (common/loadobserver.h; a null test when none is attached).
+// with a visible default, texts, the value shapes (one reader over a table of
+// attributes and defaults) and the sections with their one missing-element
+// policy. Element lookups, attribute reads and text reads report to the load
+// observer (common/loadobserver.h; a null test when none is attached).
 
 #include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtXml/QDomElement>
 
+#include <cstddef>
 #include <functional>
 #include <initializer_list>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include "common/document.h"
@@ -33,6 +36,11 @@ LCD_CONFIGMODEL_EXPORT QDomElement child(const QDomElement& parent, const char* 
 LCD_CONFIGMODEL_EXPORT QDomElement firstChild(const QDomElement& parent);
 // The next sibling element of any name.
 LCD_CONFIGMODEL_EXPORT QDomElement next(const QDomElement& element);
+// The child element at `position` (0 = first) whatever its name; null when
+// `parent` has fewer children.
+LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
+// True when `e` is an element named exactly `name` (case-sensitive).
+LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
 
 // The children of one element indexed by tag name in one pass, for walks
 // that look up many children of the same element: a lookup is a hash probe
@@ -78,22 +86,26 @@ LCD_CONFIGMODEL_EXPORT bool hasAttr(const QDomElement& e, const char* name);
 // characters for the common shape ("-" and up to nine digits).
 LCD_CONFIGMODEL_EXPORT qint32 decimal(const QString& text, bool* ok = nullptr);
 LCD_CONFIGMODEL_EXPORT qint32 decimal(const char* text, bool* ok = nullptr);
-// Decimal conversions without a success check: absent or non-numeric gives 0.
+// Number conversions without a success check: absent or non-numeric gives 0.
 LCD_CONFIGMODEL_EXPORT qint32 intAttr(const QDomElement& e, const char* name, const char* def = "");
 LCD_CONFIGMODEL_EXPORT quint32 uintAttr(const QDomElement& e, const char* name, const char* def = "");
 LCD_CONFIGMODEL_EXPORT float floatAttr(const QDomElement& e, const char* name, const char* def = "");
+LCD_CONFIGMODEL_EXPORT double doubleAttr(const QDomElement& e, const char* name, const char* def = "");
 // The attribute as UTF-8.
 LCD_CONFIGMODEL_EXPORT std::string textAttr(const QDomElement& e, const char* name, const char* def = "");
 
 // ---- texts ----------------------------------------------------------------
 
 LCD_CONFIGMODEL_EXPORT std::string utf8(const QString& text);
-// The element's whole text content, as UTF-8.
-LCD_CONFIGMODEL_EXPORT std::string text(const QDomElement& e);
-// The value of the element's first child node (its text when it has one), as UTF-8.
+// The element's whole text (every text node below it); empty for a null
+// element. utf8(elementText(e)) for the records that keep std::string.
+LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
+// Only the value of the first child node, as UTF-8: a name cut by a comment or
+// a child element keeps its first part (the card and connector names).
 LCD_CONFIGMODEL_EXPORT std::string firstNodeText(const QDomElement& e);
-
-// ---- integer fields of any record -----------------------------------------
+// The element's whole text as a decimal integer; empty or non-numeric gives 0
+// (surrounding blanks are allowed).
+LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
 
 // One attribute bound to an integer field, with its default.
 struct IntField {
@@ -103,12 +115,17 @@ struct IntField {
 };
 // Reads the listed attributes in order into their fields.
 LCD_CONFIGMODEL_EXPORT void readInts(const QDomElement& e, std::initializer_list<IntField> fields);
+// readInts on a present element; a null element leaves the fields alone.
+LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
 
 // ---- value shapes ---------------------------------------------------------
 
-// An attribute with its default, as the tables write it: {"Max", "255"}.
-// Attribute names are those of the shape's fields ("Support", "Editable",
-// "Value", "DataType", "Min", "Max"); attributes not listed are not read.
+// An attribute with its default, as the tables write it: {"Max", "255"}. A
+// table lists the attributes in the order they are read; attributes not
+// listed are not read. Each name fills the record field of the same name:
+// "Support", "Editable", "Value" (a text record's text), "DataType", "Min",
+// "Max", "RangeType", "Coefficient", "Step"; 64-bit fields are read as 32-bit
+// decimals and widened.
 struct Attr {
     const char* name;
     const char* def;
@@ -121,11 +138,13 @@ inline const Attrs kLenient = {{"Support", "1"}, {"Editable", "1"}, {"DataType",
                                {"Value", "0"},   {"Min", "0"},      {"Max", "0"}};
 // Lenient without limits (enumerated settings, values).
 inline const Attrs kLenientOptions = {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Value", "0"}};
+inline const Attrs kLenientPair = {{"Support", "1"}, {"Editable", "1"}};
 // Every range attribute with an empty default: absent gives 0.
 inline const Attrs kEmpty = {{"Support", ""}, {"Editable", ""}, {"Value", ""},
                              {"Min", ""},     {"Max", ""},      {"DataType", ""}};
 // kEmpty without limits.
 inline const Attrs kEmptyOptions = {{"Support", ""}, {"Editable", ""}, {"Value", ""}, {"DataType", ""}};
+inline const Attrs kEmptyPair = {{"Support", ""}, {"Editable", ""}};
 
 // Where the selectable values of an enumerated setting come from.
 enum class ListFrom {
@@ -134,57 +153,103 @@ enum class ListFrom {
     None,      // no list
 };
 
-// "Support" and "Editable" on one element.
-LCD_CONFIGMODEL_EXPORT s_SupportInfo readPair(const QDomElement& e, const char* supportDef = "1",
-                                              const char* editableDef = "1");
-LCD_CONFIGMODEL_EXPORT s_RangeValue readRange(const QDomElement& e, Attrs attrs);
-LCD_CONFIGMODEL_EXPORT s_ValueSetting readValueSetting(const QDomElement& e, Attrs attrs);
-// "Value" is read as text.
-LCD_CONFIGMODEL_EXPORT s_TextRange readTextRange(const QDomElement& e, Attrs attrs);
-LCD_CONFIGMODEL_EXPORT s_OptionList readOptions(const QDomElement& e, Attrs attrs, ListFrom list);
+namespace detail {
+// The position of an attribute name in the list of readFields below.
+LCD_CONFIGMODEL_EXPORT int field(const char* name);
+LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, qint32* out);
+LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, qint64* out);
+LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, float* out);
+LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, double* out);
+LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, std::string* out);
+LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, std::nullptr_t); // no such field
+// The member `m` of a record, or nullptr when the record has none ("Value" of
+// a text record is its text).
+// clang-format off
+#define LCD_XML_MEMBER(m) \
+    template <class R> auto m(R& r, int) -> decltype(&r.m) { return &r.m; } \
+    template <class R> std::nullptr_t m(R&, ...) { return nullptr; }
+LCD_XML_MEMBER(support) LCD_XML_MEMBER(editable) LCD_XML_MEMBER(dataType) LCD_XML_MEMBER(min)
+LCD_XML_MEMBER(max) LCD_XML_MEMBER(rangeType) LCD_XML_MEMBER(coefficient) LCD_XML_MEMBER(step)
+#undef LCD_XML_MEMBER
+template <class R> auto value(R& r, int) -> decltype(&r.value) { return &r.value; }
+template <class R> auto value(R& r, long) -> decltype(&r.text) { return &r.text; }
+template <class R> std::nullptr_t value(R&, ...) { return nullptr; }
+// clang-format on
+
+template <class R> void readFields(const QDomElement& e, Attrs attrs, R& r) {
+    const auto fields = std::make_tuple(support(r, 0), editable(r, 0), value(r, 0), dataType(r, 0), min(r, 0),
+                                        max(r, 0), rangeType(r, 0), coefficient(r, 0), step(r, 0));
+    for (const Attr& a : attrs) {
+        const int wanted = field(a.name);
+        std::apply(
+            [&](auto... f) {
+                int i = 0;
+                ((i++ == wanted ? store(e, a, f) : void()), ...);
+            },
+            fields);
+    }
+}
+} // namespace detail
+
 // The "Value" attribute of each listed child (absent gives 0), in file order.
 LCD_CONFIGMODEL_EXPORT std::vector<qint32> readValueList(const QDomElement& e, ListFrom list);
-template <class V> std::vector<V> readValues(const QDomElement& e, ListFrom list) {
-    std::vector<V> out;
-    for (qint32 v : readValueList(e, list))
-        out.push_back(V{v});
-    return out;
+
+// A fresh record with the listed attributes read (a null element gives the
+// converted defaults): readAs<s_RangeValue>(e, kLenient).
+template <class R> R readAs(const QDomElement& e, Attrs attrs) {
+    R r{};
+    detail::readFields(e, attrs, r);
+    return r;
 }
-// Every child element of any name read as a range with `attrs`.
-LCD_CONFIGMODEL_EXPORT std::vector<s_RangeValue> readRangeList(const QDomElement& e, Attrs attrs);
+// The same, with the values of an enumerated setting taken from `list`.
+template <class R> R readAs(const QDomElement& e, Attrs attrs, ListFrom list) {
+    R r = readAs<R>(e, attrs);
+    for (qint32 v : readValueList(e, list))
+        r.values.push_back({v});
+    return r;
+}
 
-// Lenient range reader: a null element leaves `out` alone; otherwise "Support"
-// and "Editable" default to "1", "DataType", "Value", "Min", "Max" to "0".
-LCD_CONFIGMODEL_EXPORT void readRangeLenient(const QDomElement& e, s_RangeValue& out);
-LCD_CONFIGMODEL_EXPORT void readPairLenient(const QDomElement& e, s_SupportInfo& out);
-
-// Strict range reader: the child `tag` of `parent` must exist ("Invalid [%1]
-// node." otherwise); the attributes named in `order` are read with an empty
-// default, in that order. `step` is not touched.
-LCD_CONFIGMODEL_EXPORT bool readRangeStrict(const QDomElement& parent, const char* tag, s_RangeValue& out,
-                                            QString& error, std::initializer_list<const char*> order);
+// In place, for walks where a missing element keeps what the record held: a
+// null element leaves `out` alone; otherwise only the listed attributes are
+// written (a range's step and a text range's text, unless listed, are kept).
+template <class R> void update(const QDomElement& e, Attrs attrs, R& out) {
+    if (!e.isNull()) detail::readFields(e, attrs, out);
+}
+// As above; the values are rebuilt from `list` (ListFrom::None keeps them).
+template <class R> void update(const QDomElement& e, Attrs attrs, ListFrom list, R& out) {
+    if (e.isNull()) return;
+    detail::readFields(e, attrs, out);
+    if (list != ListFrom::None) out.values = readAs<R>(e, {}, list).values;
+}
 
 // ---- sections -------------------------------------------------------------
 
-// Required-element lookups of one section. The first missing element is
-// remembered and its "Invalid [%1] node." written to `error`; later lookups
-// return null elements, so the rest of the section reads nothing.
+// What the absence of a required child does. Its "Invalid [%1] node." goes
+// to the section's `error` in every case.
+enum class Missing {
+    Ends,        // ends the section: later Ends lookups return null elements
+    EndsLogged,  // the same, and the text is also written as a "Log:" warning
+    Noted,       // the walk goes on; each such absence overwrites `error`
+    NotedLogged, // the same, with the "Log:" warning
+};
+
+// Required-element lookups of one section. The first absence that ends the
+// section is remembered in `error`; later lookups that would end it return
+// null elements, so the rest of the section reads nothing. The warning is
+// written from the loader's site.
 class LCD_CONFIGMODEL_EXPORT Section {
 public:
     Section(QString& error, const Loader& loader);
 
-    // A required child: missing ends the section.
-    QDomElement need(const QDomElement& parent, const char* name);
-    QDomElement need(const Children& parent, const char* name);
-    // A required child whose absence is also written as a "Log:" warning.
-    QDomElement needLogged(const QDomElement& parent, const char* name);
+    QDomElement need(const QDomElement& parent, const char* name, Missing missing = Missing::Ends);
+    QDomElement need(const Children& parent, const char* name, Missing missing = Missing::Ends);
     // Marks the section incomplete for `name` without a lookup.
     void fail(const QString& name);
 
     bool complete() const { return m_complete; }
 
 private:
-    QDomElement found(const QDomElement& e, const char* name, bool logged);
+    QDomElement found(const QDomElement& e, const char* name, Missing missing);
 
     QString& m_error;
     const Loader& m_loader;
@@ -225,23 +290,6 @@ bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, 
     return true;
 }
 
-// An expected child whose absence does not end the walk: when it is missing,
-// `error` becomes "Invalid [%1] node." and the null element is returned.
-LCD_CONFIGMODEL_EXPORT QDomElement expect(const QDomElement& parent, const char* name, QString& error,
-                                          const Loader& loader);
-// The same, and the text is also written as a "Log:" warning from the
-// loader's site.
-LCD_CONFIGMODEL_EXPORT QDomElement childReported(const QDomElement& parent, const char* name, QString& error,
-                                                 const Loader& loader);
-
-// ---- more walks -----------------------------------------------------------
-
-// The child element at `position` (0 = first) whatever its name; null when
-// `parent` has fewer children.
-LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
-// True when `e` is an element named exactly `name` (case-sensitive).
-LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
-
 // forEachChild that stops at the first child for which `f` returns false.
 // Returns false when it stopped.
 template <class F> bool forEachChildWhile(const QDomElement& parent, F&& f) {
@@ -267,57 +315,6 @@ struct TagHandler {
 };
 LCD_CONFIGMODEL_EXPORT void forEachChildByTag(const QDomElement& parent,
                                               std::initializer_list<TagHandler> handlers);
-
-// ---- more attributes and texts --------------------------------------------
-
-// Decimal number without a success check: absent or non-numeric gives 0.0.
-LCD_CONFIGMODEL_EXPORT double doubleAttr(const QDomElement& e, const char* name, const char* def = "");
-// The element's whole text content as QString; empty for a null element.
-LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
-// The element's whole text as a decimal integer; empty or non-numeric gives 0
-// (surrounding blanks are allowed).
-LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
-
-// ---- reading into a record in place ---------------------------------------
-// For walks that fill a caller's record in place, where a missing element
-// keeps what the record held: a null element leaves `out` alone; otherwise
-// only the listed attributes are written, so a range's step and a text
-// range's text (unless "Value" is listed) are kept.
-
-LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_RangeValue& out);
-LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, s_TextRange& out);
-// As above; the values are rebuilt from `list` (ListFrom::None keeps them).
-LCD_CONFIGMODEL_EXPORT void update(const QDomElement& e, Attrs attrs, ListFrom list, s_OptionList& out);
-// readInts on a present element; a null element leaves the fields alone.
-LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
-// "Support" and "Editable" with an empty default into any record that has
-// them; a null element leaves it alone.
-template <class R> void updatePair(const QDomElement& e, R& r) {
-    updateInts(e, {{"Support", &r.support}, {"Editable", &r.editable}});
-}
-// The range attributes named in `names`, in that order, with an empty default;
-// a null element leaves `out` untouched. `step` is not touched.
-LCD_CONFIGMODEL_EXPORT void readRangeAttrs(const QDomElement& e, s_RangeValue& out,
-                                           std::initializer_list<const char*> names);
-
-// Lenient enumerated setting: a null element leaves `out` alone; otherwise the
-// whole record is replaced, "Support" and "Editable" defaulting to "1",
-// "DataType" and "Value" to "0", the values taken from `list`.
-LCD_CONFIGMODEL_EXPORT void readOptionsLenient(const QDomElement& e, s_OptionList& out, ListFrom list);
-
-// Lenient range whose limits are 64-bit: as readRangeLenient ("Support" and
-// "Editable" default "1", the rest "0"); "Min" and "Max" are converted as
-// 32-bit decimals and widened. `W` has support, editable, value, dataType and
-// 64-bit min and max.
-template <class W> void readWideRangeLenient(const QDomElement& e, W& out) {
-    if (e.isNull()) return;
-    readInts(e, {{"Support", &out.support, "1"},
-                 {"Editable", &out.editable, "1"},
-                 {"DataType", &out.dataType, "0"},
-                 {"Value", &out.value, "0"}});
-    out.min = qint64{intAttr(e, "Min", "0")};
-    out.max = qint64{intAttr(e, "Max", "0")};
-}
 
 } // namespace xml
 } // namespace ConfigModel

@@ -70,9 +70,9 @@ bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QDomDocument& doc, QS
 void CrosscardConfigManager::subcardInfo(const QDomElement& element, CrossCard::s_CrossSubcard& subcard) {
     subcard.moduleId = intAttr(element, "Value");
     // A missing grouping element reads as its defaults: 1, 1 and offset 100.
-    subcard.interfaceGroup = readPair(child(element, "InterfaceGroup"), "1", "1");
+    subcard.interfaceGroup = readAs<s_SupportInfo>(child(element, "InterfaceGroup"), kLenientPair);
     const QDomElement deviceGroup = child(element, "DeviceInterfaceGroup");
-    subcard.deviceInterfaceGroup = readPair(deviceGroup, "1", "1");
+    subcard.deviceInterfaceGroup = readAs<s_SupportInfo>(deviceGroup, kLenientPair);
     subcard.offset = intAttr(deviceGroup, "Offset", "100");
     // Every sibling after the first "DeviceMode" is a device mode, whatever its name.
     forEachRepeated(element, "DeviceMode",

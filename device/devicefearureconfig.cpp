@@ -59,10 +59,10 @@ bool Walk::read(const QDomElement& root, s_DeviceFeature& f) {
     const QDomElement hdr = required.need(device, "HDR");
     if (!required.complete()) return false;
 
-    f.hdr = readPair(hdr); // hdrMode is never read
+    f.hdr = readAs<s_SupportInfo>(hdr, kLenientPair); // hdrMode is never read
     // "LayerAlphaFunction" is optional: a missing one is skipped without a message
     if (const QDomElement alpha = device("LayerAlphaFunction"); !alpha.isNull()) {
-        f.layerAlphaFunction = readPair(alpha);
+        f.layerAlphaFunction = readAs<s_SupportInfo>(alpha, kLenientPair);
         f.layerAlphaValues.clear();
     }
     readFeatures(features, f.features);
@@ -71,8 +71,9 @@ bool Walk::read(const QDomElement& root, s_DeviceFeature& f) {
         // only "Support" is read; editable stays -1
         readInts(s.need(device, "DeviceSelfTest"), {{"Support", &selfTest.support, "1"}});
     });
-    section(f.interfaceGroup,
-            [&](Section& s, s_SupportInfo& group) { group = readPair(s.need(device, "InterfaceGroup")); });
+    section(f.interfaceGroup, [&](Section& s, s_SupportInfo& group) {
+        group = readAs<s_SupportInfo>(s.need(device, "InterfaceGroup"), kLenientPair);
+    });
     readLateFeatures(features, f.features);
     return true;
 }
@@ -93,8 +94,11 @@ void Walk::readTypeName(const Children& device, s_DeviceFeature& f) {
             icon = textAttr(typeName, "Icon");
         }))
         return;
-    if (!section(f.enName, [&](Section& s, std::string& en) { en = text(s.need(typeName, "en")); })) return;
-    section(f.zhName, [&](Section& s, std::string& zh) { zh = text(s.need(typeName, "zh_CN")); });
+    if (!section(f.enName,
+                 [&](Section& s, std::string& en) { en = utf8(elementText(s.need(typeName, "en"))); }))
+        return;
+    section(f.zhName,
+            [&](Section& s, std::string& zh) { zh = utf8(elementText(s.need(typeName, "zh_CN"))); });
 }
 
 void Walk::readFeatures(const Children& features, s_Features& f) {
@@ -102,59 +106,61 @@ void Walk::readFeatures(const Children& features, s_Features& f) {
         auto& [screen, screenId, screenType] = local;
         const Attrs type = {{"DataType", "0"}, {"Support", "1"}, {"Editable", "1"}};
         const QDomElement e = s.need(features, "Screen");
-        screen = readPair(e);
-        screenId = readRange(s.need(e, "ScreenId"), kNamed);
-        screenType = readOptions(s.need(e, "ScreenType"), type, ListFrom::AnyChild);
+        screen = readAs<s_SupportInfo>(e, kLenientPair);
+        screenId = readAs<s_RangeValue>(s.need(e, "ScreenId"), kNamed);
+        screenType = readAs<s_OptionList>(s.need(e, "ScreenType"), type, ListFrom::AnyChild);
     });
     section(f.genlock, [&](Section& s, s_Genlock& g) {
         const QDomElement genlock = s.need(features, "Genlock");
-        g.genlock = readPair(genlock);
-        g.type = readOptions(s.need(genlock, "Type"), kLenientOptions, ListFrom::AnyChild);
+        g.genlock = readAs<s_SupportInfo>(genlock, kLenientPair);
+        g.type = readAs<s_OptionList>(s.need(genlock, "Type"), kLenientOptions, ListFrom::AnyChild);
         const QDomElement phase = s.need(genlock, "Phase");
-        g.phase = readPair(phase);
-        g.phaseEnable = readOptions(s.need(phase, "Enable"), kLenientOptions, ListFrom::AnyChild);
-        g.phaseOffset = readRange(s.need(phase, "Offset"), kLenient);
+        g.phase = readAs<s_SupportInfo>(phase, kLenientPair);
+        g.phaseEnable = readAs<s_OptionList>(s.need(phase, "Enable"), kLenientOptions, ListFrom::AnyChild);
+        g.phaseOffset = readAs<s_RangeValue>(s.need(phase, "Offset"), kLenient);
     });
-    section(f.hdcp, [&](Section& s, s_SupportInfo& hdcp) { hdcp = readPair(s.need(features, "HDCP")); });
+    section(f.hdcp, [&](Section& s, s_SupportInfo& hdcp) {
+        hdcp = readAs<s_SupportInfo>(s.need(features, "HDCP"), kLenientPair);
+    });
     readDynamicRangConversion(features, f);
     section(f.dynamicRang, [&](Section& s, s_ValueSetting& range) {
-        range = readValueSetting(s.need(features, "DynamicRang"), kLenientOptions);
+        range = readAs<s_ValueSetting>(s.need(features, "DynamicRang"), kLenientOptions);
     });
     section(f.interfaceMapping, [&](Section& s, s_InterfaceMapping& m) {
         const QDomElement mapping = s.need(features, "InterfaceMapping");
-        m.mapping = readPair(mapping);
-        m.type = readOptions(s.need(mapping, "Type"), kLenientOptions, ListFrom::AnyChild);
+        m.mapping = readAs<s_SupportInfo>(mapping, kLenientPair);
+        m.type = readAs<s_OptionList>(s.need(mapping, "Type"), kLenientOptions, ListFrom::AnyChild);
         const QDomElement pattern = s.need(mapping, "TestPattern");
         s_TestPattern& p = m.testPattern;
-        p.pattern = readPair(pattern);
-        p.enable = readOptions(s.need(pattern, "Enable"), kLenientOptions, ListFrom::AnyChild);
-        p.type = readOptions(s.need(pattern, "Type"), kLenientOptions, ListFrom::AnyChild);
-        p.bright = readRange(s.need(pattern, "Bright"), kLenient);
-        p.gridSpace = readRange(s.need(pattern, "GridSpace"), kLenient);
-        p.gridLineWidth = readRange(s.need(pattern, "GridLineWidth"), kLenient);
-        p.speed = readRange(s.need(pattern, "Speed"), kLenient);
+        p.pattern = readAs<s_SupportInfo>(pattern, kLenientPair);
+        p.enable = readAs<s_OptionList>(s.need(pattern, "Enable"), kLenientOptions, ListFrom::AnyChild);
+        p.type = readAs<s_OptionList>(s.need(pattern, "Type"), kLenientOptions, ListFrom::AnyChild);
+        p.bright = readAs<s_RangeValue>(s.need(pattern, "Bright"), kLenient);
+        p.gridSpace = readAs<s_RangeValue>(s.need(pattern, "GridSpace"), kLenient);
+        p.gridLineWidth = readAs<s_RangeValue>(s.need(pattern, "GridLineWidth"), kLenient);
+        p.speed = readAs<s_RangeValue>(s.need(pattern, "Speed"), kLenient);
     });
     section(std::tie(f.cutoutPos, f.cutoutEnable, f.cutoutType), [&](Section& s, auto& local) {
         auto& [cutoutPos, enable, type] = local;
         const QDomElement e = s.need(features, "CutoutPos");
-        cutoutPos = readPair(e);
-        enable = readOptions(s.need(e, "Enable"), kLenientOptions, ListFrom::AnyChild);
-        type = readOptions(s.need(e, "Type"), kLenientOptions, ListFrom::AnyChild);
+        cutoutPos = readAs<s_SupportInfo>(e, kLenientPair);
+        enable = readAs<s_OptionList>(s.need(e, "Enable"), kLenientOptions, ListFrom::AnyChild);
+        type = readAs<s_OptionList>(s.need(e, "Type"), kLenientOptions, ListFrom::AnyChild);
     });
     section(std::tie(f.group, f.groupName), [&](Section& s, auto& local) {
         auto& [group, name] = local;
         const Attrs text = {{"DataType", "0"}, {"Support", "1"}, {"Editable", "1"},
                             {"Value", ""},     {"Min", "0"},     {"Max", "255"}};
         const QDomElement e = s.need(features, "Group");
-        group = readPair(e);
-        name = readTextRange(s.need(e, "Name"), text);
+        group = readAs<s_SupportInfo>(e, kLenientPair);
+        name = readAs<s_TextRange>(s.need(e, "Name"), text);
     });
     // "Swap" and "Language" are enumerated settings on the section element itself
     section(f.swap, [&](Section& s, s_OptionList& swap) {
-        swap = readOptions(s.need(features, "Swap"), kLenientOptions, ListFrom::EnumFirst);
+        swap = readAs<s_OptionList>(s.need(features, "Swap"), kLenientOptions, ListFrom::EnumFirst);
     });
     section(f.language, [&](Section& s, s_OptionList& language) {
-        language = readOptions(s.need(features, "Language"), kLenientOptions, ListFrom::EnumFirst);
+        language = readAs<s_OptionList>(s.need(features, "Language"), kLenientOptions, ListFrom::EnumFirst);
     });
     section(std::tie(f.switchEffect, f.switchTime, f.switchDirection), [&](Section& s, auto& local) {
         auto& [effect, time, direction] = local;
@@ -163,9 +169,9 @@ void Walk::readFeatures(const Children& features, s_Features& f) {
         const Attrs directionAttrs = {{"Support", "1"}, {"Editable", "1"}, {"Value", "1"},
                                       {"Min", "0"},     {"Max", "1"},      {"DataType", "2"}};
         const QDomElement e = s.need(features, "SwitchEffect");
-        effect = readPair(e);
-        time = readRange(s.need(e, "Time"), timeAttrs);
-        direction = readRange(s.need(e, "Direction"), directionAttrs);
+        effect = readAs<s_SupportInfo>(e, kLenientPair);
+        time = readAs<s_RangeValue>(s.need(e, "Time"), timeAttrs);
+        direction = readAs<s_RangeValue>(s.need(e, "Direction"), directionAttrs);
     });
 }
 
@@ -179,16 +185,16 @@ void Walk::readDynamicRangConversion(const Children& features, s_Features& f) {
         const bool complete =
             section(std::tie(f.dynamicRangConversion, f.drcEnable, f.drcType), [&](Section& s, auto& local) {
                 auto& [conversion, enable, type] = local;
-                conversion = readPair(drc);
-                enable = readOptions(s.need(drc, "Enable"), kLenientOptions, ListFrom::AnyChild);
-                type = readOptions(s.need(drc, "Type"), kLenientOptions, ListFrom::AnyChild);
+                conversion = readAs<s_SupportInfo>(drc, kLenientPair);
+                enable = readAs<s_OptionList>(s.need(drc, "Enable"), kLenientOptions, ListFrom::AnyChild);
+                type = readAs<s_OptionList>(s.need(drc, "Type"), kLenientOptions, ListFrom::AnyChild);
             });
         if (!complete) return;
         f.layerModes = {};
         f.layerModesList.clear();
     }
     if (const QDomElement modes = child(drc, "LayerModes"); !modes.isNull()) {
-        f.layerModes = readPair(modes);
+        f.layerModes = readAs<s_SupportInfo>(modes, kLenientPair);
         f.layerModesList = readEachChild(modes, [](const QDomElement& mode) {
             return s_LayerModesSupportInfo{intAttr(mode, "HDRSupport"), intAttr(mode, "Value")};
         });
@@ -199,81 +205,82 @@ void Walk::readSystemSections(const Children& device, s_DeviceFeature& f) {
     section(std::tie(f.general, f.generalName, f.generalStatus), [&](Section& s, auto& local) {
         auto& [general, name, status] = local;
         const QDomElement e = s.need(device, "General");
-        general = readPair(e);
-        name = readRange(s.need(e, "Name"), kNamed);
-        status = readOptions(s.need(e, "Status"), kLenientOptions, ListFrom::EnumFirst);
+        general = readAs<s_SupportInfo>(e, kLenientPair);
+        name = readAs<s_RangeValue>(s.need(e, "Name"), kNamed);
+        status = readAs<s_OptionList>(s.need(e, "Status"), kLenientOptions, ListFrom::EnumFirst);
     });
     section(std::tie(f.networks, f.network), [&](Section& s, auto& local) {
         auto& [networks, network] = local;
         const QDomElement e = s.need(device, "NetWorks");
-        networks = readPair(e);
+        networks = readAs<s_SupportInfo>(e, kLenientPair);
         const QDomElement net = s.need(e, "NetWork"); // only the first one counts
         readInts(net, {{"Support", &network.support, "1"},
                        {"Editable", &network.editable, "1"},
                        {"Index", &network.index, "1"}});
-        network.dhcp = readOptions(s.need(net, "Dhcp"), kLenientOptions, ListFrom::EnumFirst);
-        network.ip = readTextRange(s.need(net, "Ip"), kLenientOptions);
-        network.subNetMask = readTextRange(s.need(net, "SubNetMask"), kLenientOptions);
-        network.gateway = readTextRange(s.need(net, "Gateway"), kLenientOptions);
+        network.dhcp = readAs<s_OptionList>(s.need(net, "Dhcp"), kLenientOptions, ListFrom::EnumFirst);
+        network.ip = readAs<s_TextRange>(s.need(net, "Ip"), kLenientOptions);
+        network.subNetMask = readAs<s_TextRange>(s.need(net, "SubNetMask"), kLenientOptions);
+        network.gateway = readAs<s_TextRange>(s.need(net, "Gateway"), kLenientOptions);
     });
     section(f.projectFile, [&](Section& s, s_ProjectFile& p) {
         const Attrs fileId = {{"Support", "0"}, {"Editable", "1"}, {"DataType", "0"},
                               {"Value", "0"},   {"Min", "0"},      {"Max", "0"}};
         const QDomElement e = s.need(device, "ProjectFile");
-        p.projectFile = readPair(e);
-        p.fileId = readRange(s.need(e, "FileId"), fileId);
-        p.fileType = readOptions(s.need(e, "FileType"), kLenientOptions, ListFrom::EnumFirst);
+        p.projectFile = readAs<s_SupportInfo>(e, kLenientPair);
+        p.fileId = readAs<s_RangeValue>(s.need(e, "FileId"), fileId);
+        p.fileType = readAs<s_OptionList>(s.need(e, "FileType"), kLenientOptions, ListFrom::EnumFirst);
         const QDomElement general = s.need(e, "FileGeneral");
-        p.fileGeneral = readPair(general, "0", "1");
-        p.fileGeneralName = readRange(s.need(general, "Name"), kNamed);
+        p.fileGeneral = readAs<s_SupportInfo>(general, {{"Support", "0"}, {"Editable", "1"}});
+        p.fileGeneralName = readAs<s_RangeValue>(s.need(general, "Name"), kNamed);
         const QDomElement contain = s.need(e, "Contain");
-        p.contain.contain = readPair(contain);
-        p.contain.other = readOptions(s.need(contain, "Other"), kContained, ListFrom::EnumFirst);
-        p.contain.bkg = readOptions(s.need(contain, "BKG"), kContained, ListFrom::EnumFirst);
-        p.contain.logo = readOptions(s.need(contain, "Logo"), kContained, ListFrom::EnumFirst);
-        p.contain.preset = readOptions(s.need(contain, "Preset"), kContained, ListFrom::EnumFirst);
+        p.contain.contain = readAs<s_SupportInfo>(contain, kLenientPair);
+        p.contain.other = readAs<s_OptionList>(s.need(contain, "Other"), kContained, ListFrom::EnumFirst);
+        p.contain.bkg = readAs<s_OptionList>(s.need(contain, "BKG"), kContained, ListFrom::EnumFirst);
+        p.contain.logo = readAs<s_OptionList>(s.need(contain, "Logo"), kContained, ListFrom::EnumFirst);
+        p.contain.preset = readAs<s_OptionList>(s.need(contain, "Preset"), kContained, ListFrom::EnumFirst);
     });
     section(std::tie(f.file, f.fileItems), [&](Section& s, auto& local) {
         auto& [file, items] = local;
         const QDomElement e = s.need(device, "File");
-        file = readPair(e);
-        items = readRangeList(e, kEmpty);
+        file = readAs<s_SupportInfo>(e, kLenientPair);
+        items = readEachChild(e, [](const QDomElement& i) { return readAs<s_RangeValue>(i, kEmpty); });
     });
     section(f.deviceModes, [&](Section& s, s_OptionList& modes) {
-        modes = readOptions(s.need(device, "DeviceModes"), kContained, ListFrom::EnumFirst);
+        modes = readAs<s_OptionList>(s.need(device, "DeviceModes"), kContained, ListFrom::EnumFirst);
     });
     section(std::tie(f.powerCtrl, f.powerCtrlType), [&](Section& s, auto& local) {
         auto& [powerCtrl, type] = local;
         const QDomElement e = s.need(device, "PowerCtrl");
-        powerCtrl = readPair(e);
-        type = readOptions(s.need(e, "Type"), kLenientOptions, ListFrom::AnyChild);
+        powerCtrl = readAs<s_SupportInfo>(e, kLenientPair);
+        type = readAs<s_OptionList>(s.need(e, "Type"), kLenientOptions, ListFrom::AnyChild);
     });
     section(f.subcard, [&](Section& s, s_Subcard& c) {
         const QDomElement e = s.need(device, "Subcard");
-        c.subcard = readPair(e);
-        c.cardType = readOptions(s.need(e, "CardType"), kLenientOptions, ListFrom::AnyChild);
+        c.subcard = readAs<s_SupportInfo>(e, kLenientPair);
+        c.cardType = readAs<s_OptionList>(s.need(e, "CardType"), kLenientOptions, ListFrom::AnyChild);
         const QDomElement connector = s.need(e, "Connector");
-        c.connector.connector = readPair(connector);
-        c.connector.type = readOptions(s.need(connector, "Type"), kCardOptions, ListFrom::AnyChild);
-        c.connector.workMode = readOptions(s.need(connector, "WorkMode"), kCardOptions, ListFrom::AnyChild);
+        c.connector.connector = readAs<s_SupportInfo>(connector, kLenientPair);
+        c.connector.type = readAs<s_OptionList>(s.need(connector, "Type"), kCardOptions, ListFrom::AnyChild);
+        c.connector.workMode =
+            readAs<s_OptionList>(s.need(connector, "WorkMode"), kCardOptions, ListFrom::AnyChild);
         c.connector.capacityMode =
-            readOptions(s.need(connector, "CapacityMode"), kCardOptions, ListFrom::AnyChild);
+            readAs<s_OptionList>(s.need(connector, "CapacityMode"), kCardOptions, ListFrom::AnyChild);
     });
     section(std::tie(f.restoreFactory, f.restoreFactoryType), [&](Section& s, auto& local) {
         auto& [restore, type] = local;
         const QDomElement e = s.need(device, "RestoreFactory");
-        restore = readPair(e);
-        type = readOptions(s.need(e, "Type"), kCardOptions, ListFrom::AnyChild);
+        restore = readAs<s_SupportInfo>(e, kLenientPair);
+        type = readAs<s_OptionList>(s.need(e, "Type"), kCardOptions, ListFrom::AnyChild);
     });
     section(f.upgrade, [&](Section& s, s_Upgrade& u) {
         const QDomElement e = s.need(device, "Upgrade");
-        u.upgrade = readPair(e);
-        u.type = readOptions(s.need(e, "Type"), kCardOptions, ListFrom::AnyChild);
-        u.reboot = readOptions(s.need(e, "Reboot"), kCardOptions, ListFrom::AnyChild);
-        u.deleteFile = readOptions(s.need(e, "DeleteFile"), kCardOptions, ListFrom::AnyChild);
+        u.upgrade = readAs<s_SupportInfo>(e, kLenientPair);
+        u.type = readAs<s_OptionList>(s.need(e, "Type"), kCardOptions, ListFrom::AnyChild);
+        u.reboot = readAs<s_OptionList>(s.need(e, "Reboot"), kCardOptions, ListFrom::AnyChild);
+        u.deleteFile = readAs<s_OptionList>(s.need(e, "DeleteFile"), kCardOptions, ListFrom::AnyChild);
         const QDomElement cards = s.need(e, "Cards");
-        u.cards = readPair(cards);
-        u.cardsType = readOptions(s.need(cards, "Type"), kCardOptions, ListFrom::AnyChild);
+        u.cards = readAs<s_SupportInfo>(cards, kLenientPair);
+        u.cardsType = readAs<s_OptionList>(s.need(cards, "Type"), kCardOptions, ListFrom::AnyChild);
     });
 }
 
@@ -281,7 +288,7 @@ void Walk::readSystemSections(const Children& device, s_DeviceFeature& f) {
 void Walk::readLateFeatures(const Children& features, s_Features& f) {
     section(std::tie(f.thirdPlugins, f.thirdPluginList), [&](Section& s, auto& local) {
         const QDomElement e = s.need(features, "ThirdPlugins");
-        const s_SupportInfo pair = readPair(e);
+        const s_SupportInfo pair = readAs<s_SupportInfo>(e, kLenientPair);
         // every entry repeats the section's own pair; only "Type" is the entry's
         local = {pair, readEachChild(e, [&](const QDomElement& plugin) {
                      return s_ThirdPlugin{pair.support, pair.editable, intAttr(plugin, "Type")};
@@ -291,14 +298,14 @@ void Walk::readLateFeatures(const Children& features, s_Features& f) {
             [&](Section& s, auto& local) {
                 auto& [antiStatic, enable, value, min, max] = local;
                 const QDomElement e = s.need(features, "AntiStatic");
-                antiStatic = readPair(e);
+                antiStatic = readAs<s_SupportInfo>(e, kLenientPair);
                 // two children by position, whatever their names; a missing one reads as its defaults
                 readInts(childAt(e, 0), {{"Value", &enable, "1"}});
                 readInts(childAt(e, 1), {{"Value", &value, "1"}, {"Min", &min, "1"}, {"Max", &max, "1"}});
             });
     section(f.checkBlank, [&](Section& s, s_OptionList& blank) {
         const Attrs attrs = {{"Support", "1"}, {"Editable", "1"}, {"Value", "110"}}; // "DataType" is not read
-        blank = readOptions(s.need(features, "CheckBlank"), attrs, ListFrom::AnyChild);
+        blank = readAs<s_OptionList>(s.need(features, "CheckBlank"), attrs, ListFrom::AnyChild);
     });
 }
 

@@ -18,26 +18,26 @@ namespace {
 void readCutFill(const QDomElement& e, Layercfg::s_CutFill& out) {
     if (e.isNull()) return;
     Layercfg::s_CutFill c;
-    readPairLenient(e, c.cutFill);
-    readOptionsLenient(child(e, "Enable"), c.enable, ListFrom::AnyChild);
+    update(e, kLenientPair, c.cutFill);
+    update(child(e, "Enable"), kLenientOptions, ListFrom::AnyChild, c.enable);
 
     const QDomElement curve = child(e, "Curve");
-    readPairLenient(curve, c.curve);
+    update(curve, kLenientPair, c.curve);
     const QDomElement start = child(curve, "Start");
-    readPairLenient(start, c.curveStart);
-    readWideRangeLenient(child(start, "X"), c.curveStartX);
-    readWideRangeLenient(child(start, "Y"), c.curveStartY);
+    update(start, kLenientPair, c.curveStart);
+    update(child(start, "X"), kLenient, c.curveStartX);
+    update(child(start, "Y"), kLenient, c.curveStartY);
     const QDomElement end = child(curve, "End");
-    readPairLenient(end, c.curveEnd);
-    readWideRangeLenient(child(end, "X"), c.curveEndX);
-    readWideRangeLenient(child(end, "Y"), c.curveEndY);
+    update(end, kLenientPair, c.curveEnd);
+    update(child(end, "X"), kLenient, c.curveEndX);
+    update(child(end, "Y"), kLenient, c.curveEndY);
 
     const QDomElement relative = child(e, "Relative");
-    readPairLenient(relative, c.relative);
-    readWideRangeLenient(child(relative, "X"), c.relativeX);
-    readWideRangeLenient(child(relative, "Y"), c.relativeY);
-    readWideRangeLenient(child(relative, "Width"), c.relativeWidth);
-    readWideRangeLenient(child(relative, "Height"), c.relativeHeight);
+    update(relative, kLenientPair, c.relative);
+    update(child(relative, "X"), kLenient, c.relativeX);
+    update(child(relative, "Y"), kLenient, c.relativeY);
+    update(child(relative, "Width"), kLenient, c.relativeWidth);
+    update(child(relative, "Height"), kLenient, c.relativeHeight);
     out = std::move(c);
 }
 
@@ -46,25 +46,25 @@ void readCutFill(const QDomElement& e, Layercfg::s_CutFill& out) {
 void readShadow(const QDomElement& e, Layercfg::s_Shadow& out) {
     if (e.isNull()) return;
     Layercfg::s_Shadow s;
-    readPairLenient(e, s.shadow);
+    update(e, kLenientPair, s.shadow);
 
     const QDomElement general = child(e, "General");
-    readOptionsLenient(child(general, "Enable"), s.generalEnable, ListFrom::None);
-    readRangeLenient(child(general, "Feather"), s.feather);
+    update(child(general, "Enable"), kLenientOptions, ListFrom::None, s.generalEnable);
+    update(child(general, "Feather"), kLenient, s.feather);
 
     const QDomElement window = child(e, "Window");
-    readPairLenient(window, s.window);
-    readRangeLenient(child(window, "Width"), s.windowWidth);
-    readRangeLenient(child(window, "Height"), s.windowHeight);
-    readRangeLenient(child(window, "X"), s.windowX);
-    readRangeLenient(child(window, "Y"), s.windowY);
+    update(window, kLenientPair, s.window);
+    update(child(window, "Width"), kLenient, s.windowWidth);
+    update(child(window, "Height"), kLenient, s.windowHeight);
+    update(child(window, "X"), kLenient, s.windowX);
+    update(child(window, "Y"), kLenient, s.windowY);
 
     const QDomElement color = child(e, "Color");
-    readPairLenient(color, s.color);
-    readRangeLenient(child(color, "R"), s.colorR);
-    readRangeLenient(child(color, "G"), s.colorG);
-    readRangeLenient(child(color, "B"), s.colorB);
-    readRangeLenient(child(color, "Opacity"), s.colorOpacity);
+    update(color, kLenientPair, s.color);
+    update(child(color, "R"), kLenient, s.colorR);
+    update(child(color, "G"), kLenient, s.colorG);
+    update(child(color, "B"), kLenient, s.colorB);
+    update(child(color, "Opacity"), kLenient, s.colorOpacity);
     out = std::move(s);
 }
 
@@ -91,7 +91,7 @@ bool LayerConfigManager::parseDeviceLayercfg(const QDomDocument& doc, QString& e
     layer.type = intAttr(e, "Type");
     readCutFill(child(e, "CutFill"), layer.cutFill);
     readShadow(child(e, "Shadow"), layer.shadow);
-    readOptionsLenient(child(e, "IsInverse"), layer.isInverse, ListFrom::AnyChild);
+    update(child(e, "IsInverse"), kLenientOptions, ListFrom::AnyChild, layer.isInverse);
     return true;
 }
 

@@ -12,6 +12,7 @@ namespace {
 
 using namespace Screen;
 using xml::child;
+using xml::Children;
 using xml::forEachChild;
 using xml::intAttr;
 using xml::ListFrom;
@@ -28,11 +29,6 @@ Loader screenLoader(LogSite site) {
 const xml::Attrs& kRange = xml::kEmpty;
 const xml::Attrs& kOptionHeader = xml::kEmptyOptions;
 const xml::Attrs kNameLimits{{"DataType", ""}, {"Min", ""}, {"Max", ""}};
-
-// "Support" and "Editable" of a group's own element.
-void readFlags(const QDomElement& e, qint32& support, qint32& editable) {
-    xml::updateInts(e, {{"Support", &support}, {"Editable", &editable}});
-}
 
 // ---- device modes ---------------------------------------------------------
 
@@ -58,15 +54,15 @@ s_Layout readLayout(const QDomElement& e) {
 
 s_Templete readTemplete(const QDomElement& e) {
     s_Templete t;
-    const QDomElement name = child(e, "Name");
+    const Children c(e);
+    const QDomElement name = c("Name");
     t.name = {xml::textAttr(name, "en"), xml::textAttr(name, "zh_CN")};
-    const QDomElement size = child(e, "PhysicalSize");
-    xml::update(child(size, "DotPitch"), kRange, t.physicalSize.dotPitch);
-    xml::update(child(size, "Width"), kRange, t.physicalSize.width);
-    xml::update(child(size, "Height"), kRange, t.physicalSize.height);
-    xml::update(child(size, "Unit"), kOptionHeader, ListFrom::AnyChild, t.physicalSize.unit);
-    forEachChild(child(e, "Layouts"),
-                 [&](const QDomElement& layout) { t.layouts.push_back(readLayout(layout)); });
+    const Children size(c("PhysicalSize"));
+    xml::update(size("DotPitch"), kRange, t.physicalSize.dotPitch);
+    xml::update(size("Width"), kRange, t.physicalSize.width);
+    xml::update(size("Height"), kRange, t.physicalSize.height);
+    xml::update(size("Unit"), kOptionHeader, ListFrom::AnyChild, t.physicalSize.unit);
+    forEachChild(c("Layouts"), [&](const QDomElement& layout) { t.layouts.push_back(readLayout(layout)); });
     return t;
 }
 
@@ -82,32 +78,32 @@ s_LayerType readLayerType(const QDomElement& e) {
 // A device mode is complete only with "PVW" and "Templetes".
 void readDeviceMode(xml::Section& s, const QDomElement& e, s_DeviceMode& mode) {
     mode.value = intAttr(e, "Value");
-    const QDomElement pvw = s.need(e, "PVW");
+    const Children c(e);
+    const QDomElement pvw = s.need(c, "PVW");
     xml::readInts(pvw, {{"Support", &mode.pvw.support, "1"}, {"SoftImp", &mode.pvw.softImp, "1"}});
-    const QDomElement templetes = s.need(e, "Templetes");
+    const QDomElement templetes = s.need(c, "Templetes");
     if (!s.complete()) return;
     mode.templetesValue = intAttr(templetes, "Value", "1");
     forEachChild(templetes, [&](const QDomElement& t) { mode.templetes.push_back(readTemplete(t)); });
-    forEachChild(child(e, "LayerTypes"),
-                 [&](const QDomElement& l) { mode.layerTypes.push_back(readLayerType(l)); });
+    forEachChild(c("LayerTypes"), [&](const QDomElement& l) { mode.layerTypes.push_back(readLayerType(l)); });
 }
 
 // ---- feature tree ---------------------------------------------------------
 
-void readGeneral(const QDomElement& features, s_General& out) {
-    const QDomElement general = child(features, "General");
+void readGeneral(const Children& features, s_General& out) {
+    const QDomElement general = features("General");
     if (general.isNull()) return; // "NameGB2312" is read only beside a "General"
-    readFlags(general, out.support, out.editable);
+    xml::update(general, xml::kEmptyPair, out);
     if (const QDomElement name = child(general, "Name"); !name.isNull()) {
         out.prefix = xml::textAttr(name, "Prefix");
         xml::update(name, kNameLimits, out.name);
     }
-    xml::update(child(features, "NameGB2312"), kNameLimits, out.nameGB2312);
+    xml::update(features("NameGB2312"), kNameLimits, out.nameGB2312);
 }
 
 // Support, editable and the actual and preset lists of one colour setting.
 void readColorSetting(const QDomElement& e, const char* actual, const char* preset, s_ColorSetting& out) {
-    readFlags(e, out.support, out.editable);
+    xml::update(e, xml::kEmptyPair, out);
     xml::update(child(e, actual), kOptionHeader, ListFrom::AnyChild, out.actual);
     xml::update(child(e, preset), kOptionHeader, ListFrom::AnyChild, out.preset);
 }
@@ -116,29 +112,32 @@ void readColorSetting(const QDomElement& e, const char* actual, const char* pres
 // header attributes (its min and max stay 0 and 255, its children are not kept).
 s_TimingAxis readTimingAxis(const QDomElement& e) {
     s_TimingAxis axis;
-    readFlags(e, axis.support, axis.editable);
-    xml::update(child(e, "AddTime"), kRange, axis.addTime);
-    xml::update(child(e, "FrontPorch"), kRange, axis.frontPorch);
-    xml::update(child(e, "Sync"), kRange, axis.sync);
-    xml::update(child(e, "SyncPolarity"), kOptionHeader, axis.polarity);
-    xml::update(child(e, "TotalTime"), kRange, axis.totalTime);
+    xml::update(e, xml::kEmptyPair, axis);
+    const Children c(e);
+    xml::update(c("AddTime"), kRange, axis.addTime);
+    xml::update(c("FrontPorch"), kRange, axis.frontPorch);
+    xml::update(c("Sync"), kRange, axis.sync);
+    xml::update(c("SyncPolarity"), kOptionHeader, axis.polarity);
+    xml::update(c("TotalTime"), kRange, axis.totalTime);
     return axis;
 }
 
 void readTiming(const QDomElement& e, s_Timing& out) {
-    readFlags(e, out.support, out.editable);
-    xml::update(child(e, "Interlaced"), kOptionHeader, ListFrom::AnyChild, out.interlaced);
-    xml::update(child(e, "Refresh"), kRange, out.refresh);
-    out.horizontal = readTimingAxis(child(e, "Horizontal"));
-    out.vertical = readTimingAxis(child(e, "Vertical"));
+    xml::update(e, xml::kEmptyPair, out);
+    const Children c(e);
+    xml::update(c("Interlaced"), kOptionHeader, ListFrom::AnyChild, out.interlaced);
+    xml::update(c("Refresh"), kRange, out.refresh);
+    out.horizontal = readTimingAxis(c("Horizontal"));
+    out.vertical = readTimingAxis(c("Vertical"));
 }
 
 void readFeather(const QDomElement& e, s_Feather& out) {
-    readFlags(e, out.support, out.editable);
-    xml::update(child(e, "Enable"), kOptionHeader, ListFrom::None, out.enable);
-    xml::update(child(e, "Type"), kOptionHeader, ListFrom::AnyChild, out.type);
-    xml::update(child(e, "Gamma"), kRange, out.gamma);
-    xml::update(child(e, "Width"), kRange, out.width);
+    xml::update(e, xml::kEmptyPair, out);
+    const Children c(e);
+    xml::update(c("Enable"), kOptionHeader, ListFrom::None, out.enable);
+    xml::update(c("Type"), kOptionHeader, ListFrom::AnyChild, out.type);
+    xml::update(c("Gamma"), kRange, out.gamma);
+    xml::update(c("Width"), kRange, out.width);
 }
 
 void readRefOutputPara(const QDomElement& e, s_RefOutputPara& out) {
@@ -146,65 +145,71 @@ void readRefOutputPara(const QDomElement& e, s_RefOutputPara& out) {
                         {"Editable", &out.editable},
                         {"CustomBuild", &out.customBuild},
                         {"CustomDelete", &out.customDelete}});
-    readColorSetting(child(e, "ColorDepths"), "ActualColorDepth", "PresetColorDepth", out.colorDepths);
-    readColorSetting(child(e, "ColorSpaces"), "ActualColorSpace", "PresetColorSpace", out.colorSpaces);
-    readColorSetting(child(e, "ColorRanges"), "ActualColorRange", "PresetColorRange", out.colorRanges);
-    xml::update(child(e, "FormatMapping"), kOptionHeader, ListFrom::AnyChild, out.formatMapping);
-    readTiming(child(e, "Timing"), out.timing);
-    readFeather(child(e, "Feather"), out.feather);
+    const Children c(e);
+    readColorSetting(c("ColorDepths"), "ActualColorDepth", "PresetColorDepth", out.colorDepths);
+    readColorSetting(c("ColorSpaces"), "ActualColorSpace", "PresetColorSpace", out.colorSpaces);
+    readColorSetting(c("ColorRanges"), "ActualColorRange", "PresetColorRange", out.colorRanges);
+    xml::update(c("FormatMapping"), kOptionHeader, ListFrom::AnyChild, out.formatMapping);
+    readTiming(c("Timing"), out.timing);
+    readFeather(c("Feather"), out.feather);
 }
 
 // The mosaic group is built fresh and stored whole.
 s_Mosaic readMosaic(const QDomElement& e) {
     s_Mosaic m;
-    readFlags(e, m.support, m.editable);
-    xml::update(child(e, "Type"), kOptionHeader, ListFrom::AnyChild, m.type);
-    const QDomElement window = child(e, "Window"); // its own flags are not read
-    xml::update(child(window, "X"), kRange, m.window.x);
-    xml::update(child(window, "Y"), kRange, m.window.y);
-    xml::update(child(window, "Width"), kRange, m.window.width);
-    xml::update(child(window, "Height"), kRange, m.window.height);
-    readRefOutputPara(child(e, "RefOutputPara"), m.refOutputPara);
+    xml::update(e, xml::kEmptyPair, m);
+    const Children c(e);
+    xml::update(c("Type"), kOptionHeader, ListFrom::AnyChild, m.type);
+    const Children window(c("Window")); // its own flags are not read
+    xml::update(window("X"), kRange, m.window.x);
+    xml::update(window("Y"), kRange, m.window.y);
+    xml::update(window("Width"), kRange, m.window.width);
+    xml::update(window("Height"), kRange, m.window.height);
+    readRefOutputPara(c("RefOutputPara"), m.refOutputPara);
     return m;
 }
 
 void readTestPattern(const QDomElement& e, s_TestPattern& out) {
-    readFlags(e, out.support, out.editable);
-    xml::update(child(e, "Enable"), kOptionHeader, ListFrom::AnyChild, out.enable);
-    xml::update(child(e, "Type"), kOptionHeader, ListFrom::AnyChild, out.type);
-    xml::update(child(e, "Bright"), kOptionHeader, ListFrom::AnyChild, out.bright);
-    xml::update(child(e, "GridGear"), kOptionHeader, ListFrom::AnyChild, out.gridGear);
-    if (const QDomElement grid = child(e, "GridPixel"); !grid.isNull()) {
+    xml::update(e, xml::kEmptyPair, out);
+    const Children c(e);
+    xml::update(c("Enable"), kOptionHeader, ListFrom::AnyChild, out.enable);
+    xml::update(c("Type"), kOptionHeader, ListFrom::AnyChild, out.type);
+    xml::update(c("Bright"), kOptionHeader, ListFrom::AnyChild, out.bright);
+    xml::update(c("GridGear"), kOptionHeader, ListFrom::AnyChild, out.gridGear);
+    if (const QDomElement grid = c("GridPixel"); !grid.isNull()) {
         xml::update(grid, kRange, out.gridPixel);
         out.gridPixel.step = xml::doubleAttr(grid, "Coefficient");
     }
-    xml::update(child(e, "GridType"), kOptionHeader, ListFrom::AnyChild, out.gridType);
-    xml::update(child(e, "GridLineWidth"), kRange, out.gridLineWidth);
-    xml::update(child(e, "Speed"), kOptionHeader, ListFrom::AnyChild, out.speed);
+    xml::update(c("GridType"), kOptionHeader, ListFrom::AnyChild, out.gridType);
+    xml::update(c("GridLineWidth"), kRange, out.gridLineWidth);
+    xml::update(c("Speed"), kOptionHeader, ListFrom::AnyChild, out.speed);
 }
 
 // Nothing here fails the load; a missing group keeps what `f` held. Only the
 // presence-checked groups write a message, so the last one missing remains.
 void readFeatures(const QDomElement& e, const Loader& loader, QString& error, s_Features& f) {
-    readGeneral(e, f.general);
-    if (const QDomElement mosaic = child(e, "Mosaic"); !mosaic.isNull()) f.mosaic = readMosaic(mosaic);
-    const QDomElement background = child(e, "BackgroundColor");
-    readFlags(background, f.backgroundColor.support, f.backgroundColor.editable);
-    xml::update(child(background, "R"), kRange, f.backgroundColor.r);
-    xml::update(child(background, "G"), kRange, f.backgroundColor.g);
-    xml::update(child(background, "B"), kRange, f.backgroundColor.b);
-    const QDomElement layout = child(e, "Layout");
-    readFlags(layout, f.layout.support, f.layout.editable);
+    const Children c(e);
+    xml::Section noted(error, loader);
+    constexpr xml::Missing kNoted = xml::Missing::Noted;
+    readGeneral(c, f.general);
+    if (const QDomElement mosaic = c("Mosaic"); !mosaic.isNull()) f.mosaic = readMosaic(mosaic);
+    const Children background(c("BackgroundColor"));
+    xml::update(background.element(), xml::kEmptyPair, f.backgroundColor);
+    xml::update(background("R"), kRange, f.backgroundColor.r);
+    xml::update(background("G"), kRange, f.backgroundColor.g);
+    xml::update(background("B"), kRange, f.backgroundColor.b);
+    const QDomElement layout = c("Layout");
+    xml::update(layout, xml::kEmptyPair, f.layout);
     xml::update(child(layout, "X"), kRange, f.layout.x);
     xml::update(child(layout, "Y"), kRange, f.layout.y);
-    xml::update(child(e, "PGMEdit"), kOptionHeader, ListFrom::AnyChild, f.pgmEdit);
-    xml::update(child(e, "Selected"), kOptionHeader, ListFrom::AnyChild, f.selected);
-    xml::expect(e, "ImageQuality", error, loader);
-    xml::update(child(e, "Freeze"), kOptionHeader, ListFrom::AnyChild, f.freeze);
-    xml::expect(e, "FTB", error, loader);
-    readTestPattern(xml::expect(e, "TestPattern", error, loader), f.testPattern);
+    xml::update(c("PGMEdit"), kOptionHeader, ListFrom::AnyChild, f.pgmEdit);
+    xml::update(c("Selected"), kOptionHeader, ListFrom::AnyChild, f.selected);
+    noted.need(c, "ImageQuality", kNoted);
+    xml::update(c("Freeze"), kOptionHeader, ListFrom::AnyChild, f.freeze);
+    noted.need(c, "FTB", kNoted);
+    readTestPattern(noted.need(c, "TestPattern", kNoted), f.testPattern);
     for (const char* name : {"SwitchEffect", "Tbar", "HDR", "Genlock"})
-        xml::expect(e, name, error, loader);
+        noted.need(c, name, kNoted);
 }
 
 // ---- the screen -----------------------------------------------------------
@@ -219,8 +224,9 @@ void readScreen(const QDomElement& e, const Loader& loader, QString& error, s_Vr
                       {"Editable", &screen.editable},
                       {"LimitNum", &screen.limitNum}});
 
-    if (const QDomElement modes = xml::expect(e, "DeviceModes", error, loader); !modes.isNull()) {
-        screen.deviceModesInfo = xml::readPair(modes, "1", "1");
+    xml::Section noted(error, loader);
+    if (const QDomElement modes = noted.need(e, "DeviceModes", xml::Missing::Noted); !modes.isNull()) {
+        screen.deviceModesInfo = xml::readAs<s_SupportInfo>(modes, xml::kLenientPair);
         std::vector<s_DeviceMode> list; // replaces the record's list
         forEachChild(modes, [&](const QDomElement& mode) {
             xml::appendComplete(list, error, loader,
@@ -229,7 +235,7 @@ void readScreen(const QDomElement& e, const Loader& loader, QString& error, s_Vr
         screen.deviceModes = std::move(list);
     }
 
-    if (const QDomElement features = xml::expect(e, "Features", error, loader); !features.isNull())
+    if (const QDomElement features = noted.need(e, "Features", xml::Missing::Noted); !features.isNull())
         readFeatures(features, loader, error, screen.features);
 }
 

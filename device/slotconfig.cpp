@@ -74,7 +74,7 @@ bool SlotConfigManager::parseDeviceSlotcfg(const QDomDocument& doc, QString& err
         const QDomElement slotGroups = s.need(device, "Slots");
         const QDomElement crossCard = s.need(device, "CrossCard");
         if (!crossCard.isNull())
-            slot.crossCard = readPair(crossCard, "1", "1"); // kept even when the groups fail
+            slot.crossCard = readAs<s_SupportInfo>(crossCard, kLenientPair); // kept even when the groups fail
         readGroup(s.need(slotGroups, "MainControlCardSlots"), Group::Other, groups.mainControlCardSlots);
         if (!s.complete()) return;
         readGroup(child(slotGroups, "InputCardSlots"), Group::Input, groups.inputCardSlots);

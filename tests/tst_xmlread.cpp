@@ -24,6 +24,7 @@ const Loader kLoader{kDeviceFile, nullptr, LCD_LOG_SITE};
 } // namespace
 
 Q_DECLARE_METATYPE(s_RangeValue)
+Q_DECLARE_METATYPE(Missing)
 
 class XmlReadTest : public QObject {
     Q_OBJECT
@@ -52,14 +53,15 @@ private Q_SLOTS:
         const QDomElement e = xml.isEmpty() ? QDomElement() : parse(xml);
         s_RangeValue r;
         if (reader == "listed") {
-            r = readRange(
+            r = readAs<s_RangeValue>(
                 e, {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Min", "0"}, {"Max", "255"}});
         } else if (reader == "lenient") {
-            readRangeLenient(e, r);
+            update(e, kLenient, r);
         } else {
             QString error;
-            QVERIFY(readRangeStrict(e, "R", r, error,
-                                    {"Support", "Editable", "Value", "Min", "Max", "DataType"}));
+            Section s(error, kLoader);
+            update(s.need(e, "R"), kEmpty, r);
+            QVERIFY(s.complete());
         }
         LCD_COMPARE_RECORDS(r, expected);
         QCOMPARE(r.step, 1.0);
@@ -140,7 +142,7 @@ private Q_SLOTS:
         test::MessageRecorder recorder;
         const bool complete = transact(stored, error, kLoader, [&](Section& s, s_SupportInfo& local) {
             const QDomElement genlock = s.need(root, "Genlock");
-            local = readPair(genlock);
+            local = readAs<s_SupportInfo>(genlock, kLenientPair);
             s.need(s.need(genlock, "Phase"), "Offset"); // Phase is missing: Offset is never asked for
         });
         QVERIFY(!complete);
@@ -149,10 +151,42 @@ private Q_SLOTS:
         QVERIFY(recorder.messages().isEmpty());
 
         QVERIFY(transact(stored, error, kLoader, [&](Section& s, s_SupportInfo& local) {
-            local = readPair(s.need(root, "Genlock"), "1", "0");
+            local = readAs<s_SupportInfo>(s.need(root, "Genlock"), {{"Support", "1"}, {"Editable", "0"}});
         }));
         QCOMPARE(stored, (s_SupportInfo{1, 0}));
         QCOMPARE(error, QStringLiteral("Invalid [Phase] node.")); // success leaves the message
+    }
+
+    // Two absent children, then a present one: what each policy does to the
+    // section, the message and the warnings.
+    void missingPolicies_data() {
+        QTest::addColumn<Missing>("missing");
+        QTest::addColumn<bool>("walkGoesOn");
+        QTest::addColumn<QString>("error");
+        QTest::addColumn<QStringList>("warnings");
+        QTest::newRow("ends") << Missing::Ends << false << "Invalid [X] node." << QStringList();
+        QTest::newRow("ends, logged")
+            << Missing::EndsLogged << false << "Invalid [X] node." << QStringList{"Log: Invalid [X] node."};
+        QTest::newRow("noted") << Missing::Noted << true << "Invalid [Y] node." << QStringList();
+        QTest::newRow("noted, logged") << Missing::NotedLogged << true << "Invalid [Y] node."
+                                       << QStringList{"Log: Invalid [X] node.", "Log: Invalid [Y] node."};
+    }
+
+    void missingPolicies() {
+        QFETCH(Missing, missing);
+        QFETCH(bool, walkGoesOn);
+        QFETCH(QString, error);
+        QFETCH(QStringList, warnings);
+        const QDomElement root = parse("<R><A/></R>");
+        QString written;
+        test::MessageRecorder recorder;
+        Section s(written, kLoader);
+        QVERIFY(s.need(root, "X", missing).isNull());
+        QVERIFY(s.need(root, "Y", missing).isNull());
+        QCOMPARE(!s.need(Children(root), "A", missing).isNull(), walkGoesOn);
+        QCOMPARE(s.complete(), walkGoesOn);
+        QCOMPARE(written, error);
+        QCOMPARE(recorder.warnings(), warnings);
     }
 
     void observerSeesLookupsAndReads() {
