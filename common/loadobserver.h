@@ -67,8 +67,9 @@ public:
     // A lookup of the child `name` of `parent` found nothing.
     virtual void elementMissing(const QDomElement& /*parent*/, const char* /*name*/) {}
     virtual void attributeRead(const AttributeRead& /*read*/) {}
-    // The text content of `element` was read.
-    virtual void textRead(const QDomElement& /*element*/) {}
+    // The text content of `element` was read: as text, or converted as a
+    // 32-bit decimal (ReadKind::Int, 0 when it does not convert).
+    virtual void textRead(const QDomElement& /*element*/, ReadKind /*kind*/) {}
 };
 
 // Attaches `observer` to every load of the process (null detaches).

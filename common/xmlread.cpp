@@ -29,8 +29,8 @@ inline QDomElement visited(QDomElement e) {
     return e;
 }
 
-inline void textWasRead(const QDomElement& e) {
-    if (LoadObserver* o = observe::current(); Q_UNLIKELY(o) && !e.isNull()) o->textRead(e);
+inline void textWasRead(const QDomElement& e, ReadKind kind = ReadKind::Text) {
+    if (LoadObserver* o = observe::current(); Q_UNLIKELY(o) && !e.isNull()) o->textRead(e, kind);
 }
 
 // Attribute and tag names as QString, built once per name: the vocabulary
@@ -338,7 +338,7 @@ QString elementText(const QDomElement& e) {
 }
 
 qint32 intText(const QDomElement& e) {
-    textWasRead(e);
+    textWasRead(e, ReadKind::Int);
     return decimal(e.text(), nullptr);
 }
 

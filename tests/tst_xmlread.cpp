@@ -204,7 +204,9 @@ private Q_SLOTS:
                             .arg(r.element.tagName(), QLatin1String(r.name), r.present ? "" : "?", r.stored,
                                  r.raw, QLatin1String(r.def), r.validNumber ? "" : " bad");
             }
-            void textRead(const QDomElement& e) override { seen << e.tagName() + "#text"; }
+            void textRead(const QDomElement& e, ReadKind kind) override {
+                seen << e.tagName() + (kind == ReadKind::Int ? "#number" : "#text");
+            }
         } observer;
         const QDomElement root = parse("<R>\n <A Support=\"x1\"/><B>7</B></R>");
         setLoadObserver(&observer);
@@ -213,8 +215,9 @@ private Q_SLOTS:
         intText(child(root, "B"));
         setLoadObserver(nullptr);
         intAttr(root, "Ignored");
-        QCOMPARE(observer.seen, (QStringList{"A", "A@Support=0 (x1, default '1') bad", "B",
-                                             "B@Support?=1 (, default '1')", "R/C? at 1:3", "B", "B#text"}));
+        QCOMPARE(observer.seen,
+                 (QStringList{"A", "A@Support=0 (x1, default '1') bad", "B", "B@Support?=1 (, default '1')",
+                              "R/C? at 1:3", "B", "B#number"}));
     }
 };
 

@@ -230,7 +230,7 @@ void Linter::number(const QDomElement& e, const QString& what, const QString& te
 }
 
 void Linter::text(const QDomElement& e, const ElementTrace& t) {
-    if (t.textRead && m_vocabulary.textIsNumber(elementPath(e))) {
+    if (t.textNumber) {
         // read as a 32-bit decimal, 0 when the text does not convert
         bool ok = false;
         e.text().toInt(&ok);

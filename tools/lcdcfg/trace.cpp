@@ -131,8 +131,11 @@ void Trace::attributeRead(const AttributeRead& read) {
     reportRead(read);
 }
 
-void Trace::textRead(const QDomElement& element) {
-    if (ElementTrace* t = record(element)) t->textRead = true;
+void Trace::textRead(const QDomElement& element, ReadKind kind) {
+    if (ElementTrace* t = record(element)) {
+        t->textRead = true;
+        t->textNumber = t->textNumber || kind == ReadKind::Int;
+    }
     siteOf(element).values.insert(QStringLiteral("#text"), element.text().trimmed());
     reportText(element);
 }
@@ -243,18 +246,8 @@ void Vocabulary::add(const Trace& trace) {
                 addOnce(children[path], name);
             for (const AttributeTrace& a : t->reads)
                 addOnce(attributes[path], a.name);
-            if (t->textRead) {
-                bool decimal = false;
-                e.text().toInt(&decimal);
-                ++(decimal ? texts[path].first : texts[path].second);
-            }
         });
     }
-}
-
-bool Vocabulary::textIsNumber(const QString& path) const {
-    const QPair<int, int> counts = texts.value(path);
-    return counts.first > counts.second;
 }
 
 QString closest(const QString& name, const QStringList& names) {

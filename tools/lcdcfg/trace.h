@@ -42,6 +42,7 @@ struct AttributeTrace {
 struct ElementTrace {
     bool found = false;      // a walk reached it
     bool textRead = false;   // its text was read
+    bool textNumber = false; // ... and converted as a decimal
     bool lookedInto = false; // a lookup below it was made (found or not)
     QVector<AttributeTrace> reads;
     QStringList missing; // names looked up below it that were not there
@@ -166,7 +167,7 @@ public:
     void elementFound(const QDomElement& element) override;
     void elementMissing(const QDomElement& parent, const char* name) override;
     void attributeRead(const LCD::ConfigModel::AttributeRead& read) override;
-    void textRead(const QDomElement& element) override;
+    void textRead(const QDomElement& element, LCD::ConfigModel::ReadKind kind) override;
 
 private:
     ElementTrace* record(const QDomElement& e);
@@ -210,19 +211,11 @@ template <class F> void forEachElement(const QDomDocument& document, F&& f) {
 QString elementPath(const QDomElement& e);
 
 // What the readers know, gathered from traces: per element path the names of
-// the children they looked for or reached and the attributes they read, and
-// how the texts read there look.
+// the children they looked for or reached and the attributes they read.
 struct Vocabulary {
     QHash<QString, QStringList> children;   // parent path -> child names
     QHash<QString, QStringList> attributes; // element path -> attribute names
-    // element path -> texts read there that are decimal integers, and others
-    QHash<QString, QPair<int, int>> texts;
     void add(const Trace& trace);
-    // Whether the readers take the text of elements at `path` as a number:
-    // the observer says only that a text was read, so a path counts as a
-    // number when most texts read there are decimal integers (names are
-    // read as texts, the HDR option values as numbers).
-    bool textIsNumber(const QString& path) const;
 };
 
 // The closest of `names` to `name` (case-insensitive edit distance), when it

@@ -82,9 +82,9 @@ public:
         at(read.element);
         if (next) next->attributeRead(read);
     }
-    void textRead(const QDomElement& element) override {
+    void textRead(const QDomElement& element, ReadKind kind) override {
         at(element);
-        if (next) next->textRead(element);
+        if (next) next->textRead(element, kind);
     }
 
 private:
