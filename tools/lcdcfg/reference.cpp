@@ -155,30 +155,49 @@ void record(Kind& kind, const DocumentTrace& d, int root) {
     });
 }
 
-QStringList probe(const kvchost::PluginHost& host, const Tree& tree, const Trace& trace, const Node& n) {
+// A copy of a tree that probes change one file of at a time, made once.
+class Scratch {
+public:
+    explicit Scratch(const Tree& tree) : m_root(m_dir.path() + QStringLiteral("/config")) {
+        QDirIterator it(tree.root(), QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString source = it.next();
+            const QString target = m_root + QLatin1Char('/') + tree.relative(source);
+            QDir().mkpath(QFileInfo(target).absolutePath());
+            QFile::copy(source, target);
+        }
+    }
+    const QString& root() const { return m_root; }
+
+private:
+    QTemporaryDir m_dir;
+    QString m_root;
+};
+
+bool writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
+QStringList probe(const kvchost::PluginHost& host, const Tree& tree, const Trace& trace,
+                  const Scratch& scratch, const Node& n) {
     const DocumentTrace* d = trace.document(n.document);
     const PartLoad* original = nullptr;
     for (const PartLoad& load : tree.loads())
         if (load.documents.contains(n.document)) original = &load;
     if (!d || !original) return {};
-    QTemporaryDir dir;
-    const QString root = dir.path() + QStringLiteral("/config");
-    QDirIterator it(tree.root(), QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString source = it.next();
-        const QString target = root + QLatin1Char('/') + tree.relative(source);
-        QDir().mkpath(QFileInfo(target).absolutePath());
-        QFile::copy(source, target);
-    }
+    const QString root = scratch.root();
     QDomDocument copy = d->document.cloneNode(true).toDocument();
     QDomElement e = follow(copy, n.chain);
     e.parentNode().removeChild(e);
-    QFile file(root + QLatin1Char('/') + tree.relative(n.document));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return {};
-    file.write(copy.toByteArray(2));
-    file.close();
+    const QString changed = root + QLatin1Char('/') + tree.relative(n.document);
+    QFile source(n.document);
+    if (!source.open(QIODevice::ReadOnly)) return {};
+    const QByteArray unchanged = source.readAll();
+    if (!writeFile(changed, copy.toByteArray(2))) return {};
     Tree probed(host, root);
     probed.load({original->part});
+    writeFile(changed, unchanged); // the next probe starts from the tree as it is
     const QStringList before = messagesOf(*original, tree.root());
     QStringList added;
     for (const QString& m : messagesOf(*probed.loadOf(original->part), root))
@@ -278,10 +297,14 @@ int runReference(const QStringList& args) {
     }
     // Probes: each element left out of a copy of its tree, the part loaded
     // again, and what that load reports beyond the unchanged load.
+    std::vector<std::unique_ptr<Scratch>> scratches(trees.size());
     for (Kind& kind : kinds)
-        for (Node& n : kind.nodes)
-            if (n.read && n.depth > 0)
-                n.whenMissing = probe(*host, *trees[size_t(n.root)], *traces[size_t(n.root)], n);
+        for (Node& n : kind.nodes) {
+            if (!n.read || n.depth == 0) continue;
+            std::unique_ptr<Scratch>& scratch = scratches[size_t(n.root)];
+            if (!scratch) scratch = std::make_unique<Scratch>(*trees[size_t(n.root)]);
+            n.whenMissing = probe(*host, *trees[size_t(n.root)], *traces[size_t(n.root)], *scratch, n);
+        }
     const QDir dir(cl.value(output));
     if (!QDir().mkpath(dir.path())) {
         err() << "lcdcfg: cannot create " << dir.path() << "\n";
