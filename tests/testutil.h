@@ -90,6 +90,25 @@ inline Run lcdcfg(const QStringList& args) {
             QString::fromUtf8(process.readAllStandardError())};
 }
 
+// Compares `actual` with the golden file tests/data/lcdcfg/`name`; a mismatch
+// fails with the unified diff (golden first). LCD_UPDATE_GOLDEN=1 rewrites it.
+inline void compareGolden(const QString& name, const QByteArray& actual) {
+    const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + name;
+    QFile file(path);
+    if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(actual);
+        return;
+    }
+    if (file.open(QIODevice::ReadOnly) && file.readAll() == actual) return;
+    QTemporaryDir dir;
+    QProcess diff;
+    diff.start(QStringLiteral("diff"), {"-u", path, writeFile(dir, "actual", actual)});
+    diff.waitForFinished();
+    QFAIL(qPrintable(path + " differs (LCD_UPDATE_GOLDEN=1 rewrites it):\n" +
+                     QString::fromUtf8(diff.readAllStandardOutput())));
+}
+
 // One diagnostic as the message logger saw it.
 struct Message {
     QtMsgType type;

@@ -203,24 +203,7 @@ private Q_SLOTS:
         plant(config + "/menu/menuitems.xml", "Key=\"101\"", "Key=\"999\"");
         const Run run = lcdcfg(QStringList{"check"} + options + QStringList{config});
         QCOMPARE(run.code, 1);
-        const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + golden;
-        if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
-            QFile out(path);
-            QVERIFY(out.open(QIODevice::WriteOnly));
-            out.write(run.out.toUtf8());
-        }
-        const QString expected = QString::fromUtf8(test::testData("lcdcfg/" + golden));
-        if (run.out != expected) {
-            QTemporaryDir diffDir;
-            QFile actual(diffDir.filePath("actual"));
-            QVERIFY(actual.open(QIODevice::WriteOnly));
-            actual.write(run.out.toUtf8());
-            actual.close();
-            QProcess diff;
-            diff.start("diff", {"-u", path, actual.fileName()});
-            diff.waitForFinished();
-            QFAIL(qPrintable("output differs from " + path + "\n" + diff.readAllStandardOutput()));
-        }
+        test::compareGolden(golden, run.out.toUtf8());
     }
 
     void usageErrors_data() {
