@@ -75,6 +75,11 @@ inline QString copyTree(const QString& from, const QString& to) {
     return to;
 }
 
+// A copy of the shipped configuration at `dir`/`at`; returns its path.
+inline QString shippedCopy(const QTemporaryDir& dir, const QString& at = QStringLiteral("config")) {
+    return copyTree(sharedConfig(QString()), dir.filePath(at));
+}
+
 // The command-line tool run as a user runs it: exit code, output and errors.
 struct Run {
     int code;

@@ -13,11 +13,6 @@ namespace {
 using test::lcdcfg;
 using test::Run;
 
-// A copy of the shipped configuration under `dir`/share/config.
-QString copyConfig(const QTemporaryDir& dir) {
-    return test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("share/config")));
-}
-
 // Plants a fault in `path` (see plantedFaults).
 void plant(const QString& path, const QString& from, const QString& to) {
     if (from == "mkdir") {
@@ -158,7 +153,7 @@ private Q_SLOTS:
         QFETCH(QStringList, expected);
         QFETCH(int, code);
         QTemporaryDir dir;
-        QString config = copyConfig(dir);
+        QString config = test::shippedCopy(dir, "share/config");
         if (file == "<root>") {
             QVERIFY(QDir().rename(config, dir.filePath(to)));
             config = dir.filePath(to);
@@ -196,7 +191,7 @@ private Q_SLOTS:
         QFETCH(QStringList, options);
         QFETCH(QString, golden);
         QTemporaryDir dir;
-        const QString config = copyConfig(dir);
+        const QString config = test::shippedCopy(dir, "share/config");
         plant(config + "/device/29974/29974_slot.xml", "ModuleId=\"2104\"", "ModuleId=\"2105\"");
         plant(config + "/subcard/2103_dp12_2in.xml", "", "<Vrn version=\"1.0\">");
         plant(config + "/subcard/2102_dvi_4in.xml", "<en>4-port DVI input card</en>", "<en></en>");

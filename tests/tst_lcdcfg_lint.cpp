@@ -110,7 +110,7 @@ private Q_SLOTS:
         QFETCH(QString, code);
         QFETCH(QString, text);
         QTemporaryDir dir;
-        const QString root = test::copyTree(test::sharedConfig(QString()), dir.filePath("config"));
+        const QString root = test::shippedCopy(dir);
         QByteArray content = to;
         if (!from.isEmpty()) {
             QFile original(root + "/" + file);

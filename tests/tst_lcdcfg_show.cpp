@@ -24,8 +24,7 @@ struct Plant {
     const char* to;
 };
 QString plantedCopy(const QTemporaryDir& dir, std::initializer_list<Plant> plants) {
-    const QString target =
-        test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("config")));
+    const QString target = test::shippedCopy(dir);
     for (const Plant& plant : plants) {
         QFile file(target + "/" + plant.file);
         if (!file.open(QIODevice::ReadOnly)) qFatal("no %s in the shipped tree", plant.file);
