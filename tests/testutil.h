@@ -75,6 +75,11 @@ inline QString copyTree(const QString& from, const QString& to) {
     return to;
 }
 
+// A copy of the shipped configuration at `dir`/`at`; returns its path.
+inline QString shippedCopy(const QTemporaryDir& dir, const QString& at = QStringLiteral("config")) {
+    return copyTree(sharedConfig(QString()), dir.filePath(at));
+}
+
 // The command-line tool run as a user runs it: exit code, output and errors.
 struct Run {
     int code;
@@ -94,6 +99,25 @@ inline Run lcdcfg(const QStringList& args) {
     }
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+// Compares `actual` with the golden file tests/data/lcdcfg/`name`; a mismatch
+// fails with the unified diff (golden first). LCD_UPDATE_GOLDEN=1 rewrites it.
+inline void compareGolden(const QString& name, const QByteArray& actual) {
+    const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + name;
+    QFile file(path);
+    if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(actual);
+        return;
+    }
+    if (file.open(QIODevice::ReadOnly) && file.readAll() == actual) return;
+    QTemporaryDir dir;
+    QProcess diff;
+    diff.start(QStringLiteral("diff"), {"-u", path, writeFile(dir, "actual", actual)});
+    diff.waitForFinished();
+    QFAIL(qPrintable(path + " differs (LCD_UPDATE_GOLDEN=1 rewrites it):\n" +
+                     QString::fromUtf8(diff.readAllStandardOutput())));
 }
 
 // One diagnostic as the message logger saw it.

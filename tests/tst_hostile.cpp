@@ -158,7 +158,7 @@ using Load = std::function<bool(const QString& path, const QString& reference, Q
 struct Kind {
     const char* name;
     const char* sample;   // a shipped file of this kind, under share/config
-    const char* fileName; // the name the hostile entry gets
+    QString fileName;     // the name the hostile entry gets
     const char* subdir;   // directory kinds: where the entry sits below the loaded path
     QStringList siblings; // element path from the root to the element repeated a million times
                           // (empty: no walk of its own)
@@ -166,8 +166,21 @@ struct Kind {
     bool directory() const { return subdir != nullptr; }
 };
 
-template <class Record, class Parse> Load deviceFile(Parse parse) {
-    return [parse](const QString& path, const QString&, QString& error, bool&) {
+Kind kind(const char* name, const char* sample, const QString& fileName, const char* subdir,
+          const QStringList& siblings, Load load) {
+    return {name, sample, fileName, subdir, siblings, std::move(load)};
+}
+
+// A kind read from one file, named as its sample.
+Kind single(const char* name, const char* sample, const QStringList& siblings,
+            std::function<bool(const QString&, QString&)> read) {
+    return kind(
+        name, sample, QFileInfo(sample).fileName(), nullptr, siblings,
+        [read](const QString& path, const QString&, QString& error, bool&) { return read(path, error); });
+}
+
+template <class Record, class Parse> std::function<bool(const QString&, QString&)> deviceFile(Parse parse) {
+    return [parse](const QString& path, QString& error) {
         Record record;
         return (DeviceTessanConfigManager().*parse)(path, error, record);
     };
@@ -186,112 +199,62 @@ template <class Manager, class Good> Load directory(Good good) {
 }
 
 const QList<Kind>& kinds() {
+    using Device = DeviceTessanConfigManager;
+    using Connectors = ConnectorConfigManager;
     static const QList<Kind> all = {
-        {"feature file",
-         "device/29974/29974_feature.xml",
-         "29974_feature.xml",
-         nullptr,
-         {"Device", "DeviceModes", "Enum"},
-         deviceFile<Feature::s_DeviceFeature>(&DeviceTessanConfigManager::parseDeviceFeaturecfg)},
-        {"slot file",
-         "device/29974/29974_slot.xml",
-         "29974_slot.xml",
-         nullptr,
-         {"Device", "Slots", "InputCardSlots", "Slot"},
-         deviceFile<Slot::s_VrnSolt>(&DeviceTessanConfigManager::parseDeviceSlotcfg)},
-        {"cross-card file",
-         "device/29974/29974_crosscard.xml",
-         "29974_crosscard.xml",
-         nullptr,
-         {"Device", "Subcards", "Subcard"},
-         deviceFile<CrossCard::s_CrossSubcards>(&DeviceTessanConfigManager::parseDeviceCrossCardcfg)},
-        {"layer file",
-         "device/29974/29974_layer_normal.xml",
-         "29974_layer_normal.xml",
-         nullptr,
-         {"Device", "Layers", "Layer", "IsInverse", "Enum"},
-         deviceFile<Layercfg::s_VrnLayer>(&DeviceTessanConfigManager::parseDeviceLayercfg)},
-        {"screen file",
-         "device/29974/29974_screen_splice.xml",
-         "29974_screen_splice.xml",
-         nullptr,
-         {"Device", "Screens", "Screen", "DeviceModes", "DeviceMode"},
-         deviceFile<Screen::s_VrnScreen>(&DeviceTessanConfigManager::parseDeviceScreencfg)},
-        {"device directory",
-         "device/29974/29974_feature.xml",
-         "29974_slot.xml",
-         "29974",
-         {}, // its files are walked as the single device files are
-         directory<DeviceTessanConfigManager>([](const auto& loaded, const auto& alone) {
-             return loaded.DeviceConfigs().size() == 1 &&
-                    loaded.DeviceConfigs()[0].feature == alone.DeviceConfigs()[0].feature;
-         })},
-        {"card catalogue",
-         "subcard/2102_dvi_4in.xml",
-         "zero.xml",
-         "",
-         {"Subcards", "Subcard", "Connectors", "Connector"},
-         directory<SubcardConfigManager>([](const auto& loaded, const auto& alone) {
-             return !loaded.subcardConfig().empty() && loaded.subcardConfig()[0] == alone.subcardConfig()[0];
-         })},
-        {"connector catalogue",
-         "connector/connector_dvi.xml",
-         "zero.xml",
-         "",
-         {"Connectors", "Connector", "FormatMapping", "Value"},
-         directory<ConnectorConfigManager>([](const auto& loaded, const auto& alone) {
-             return !loaded.connectorFiles().empty() &&
-                    loaded.connectorFiles()[0] == alone.connectorFiles()[0];
-         })},
-        {"resolution file",
-         "connector/resolutions.xml",
-         "zero.xml",
-         "",
-         {"ResolutionRatios", "CapacityMode", "Resolution"},
-         directory<ConnectorConfigManager>([](const auto& loaded, const auto& alone) {
-             return loaded.resolution() == alone.resolution();
-         })},
-        {"menu function items",
-         "menu/menufcitems.xml",
-         "menufcitems.xml",
-         nullptr,
-         {"MenuItems", "MenuItem"},
-         [](const QString& path, const QString&, QString& error, bool&) {
-             return MenuConfigManager().readMenuFCItems(path, error);
-         }},
-        {"menu tree",
-         "menu/menuitems.xml",
-         "menuitems.xml",
-         nullptr,
-         {"MenuBar", "MenuItem"},
-         [](const QString& path, const QString&, QString& error, bool&) {
-             return MenuConfigManager().readMenuItems(path, error);
-         }},
-        {"HDR option file",
-         "func/hdr/lcdhdrinputconfig.xml",
-         "lcdhdrinputconfig.xml",
-         nullptr,
-         {"Key", "ValueInfo", "SupportValue"},
-         [](const QString& path, const QString&, QString& error, bool&) {
-             HDROptionTable table;
-             return HDRConfig().readConfig(path, error, table);
-         }},
-        {"key-check list",
-         "ui/checklist.xml",
-         "checklist.xml",
-         nullptr,
-         {"LcdKeys", "Key"},
-         [](const QString& path, const QString&, QString& error, bool&) {
-             return KeyCheckConfig().readConfig(path, error);
-         }},
-        {"print key numbers",
-         "ui/printkeynoconfig.xml",
-         "printkeynoconfig.xml",
-         nullptr,
-         {"Device", "Subcard", "Key"},
-         [](const QString& path, const QString&, QString& error, bool&) {
-             return PrintKeyNoConfig().readConfig(path, error);
-         }},
+        single("feature file", "device/29974/29974_feature.xml", {"Device", "DeviceModes", "Enum"},
+               deviceFile<Feature::s_DeviceFeature>(&Device::parseDeviceFeaturecfg)),
+        single("slot file", "device/29974/29974_slot.xml", {"Device", "Slots", "InputCardSlots", "Slot"},
+               deviceFile<Slot::s_VrnSolt>(&Device::parseDeviceSlotcfg)),
+        single("cross-card file", "device/29974/29974_crosscard.xml", {"Device", "Subcards", "Subcard"},
+               deviceFile<CrossCard::s_CrossSubcards>(&Device::parseDeviceCrossCardcfg)),
+        single("layer file", "device/29974/29974_layer_normal.xml",
+               {"Device", "Layers", "Layer", "IsInverse", "Enum"},
+               deviceFile<Layercfg::s_VrnLayer>(&Device::parseDeviceLayercfg)),
+        single("screen file", "device/29974/29974_screen_splice.xml",
+               {"Device", "Screens", "Screen", "DeviceModes", "DeviceMode"},
+               deviceFile<Screen::s_VrnScreen>(&Device::parseDeviceScreencfg)),
+        // Its files are walked as the single device files are.
+        kind("device directory", "device/29974/29974_feature.xml", "29974_slot.xml", "29974", {},
+             directory<Device>([](const auto& loaded, const auto& alone) {
+                 return loaded.DeviceConfigs().size() == 1 &&
+                        loaded.DeviceConfigs()[0].feature == alone.DeviceConfigs()[0].feature;
+             })),
+        kind("card catalogue", "subcard/2102_dvi_4in.xml", "zero.xml", "",
+             {"Subcards", "Subcard", "Connectors", "Connector"},
+             directory<SubcardConfigManager>([](const auto& loaded, const auto& alone) {
+                 return !loaded.subcardConfig().empty() &&
+                        loaded.subcardConfig()[0] == alone.subcardConfig()[0];
+             })),
+        kind("connector catalogue", "connector/connector_dvi.xml", "zero.xml", "",
+             {"Connectors", "Connector", "FormatMapping", "Value"},
+             directory<Connectors>([](const auto& loaded, const auto& alone) {
+                 return !loaded.connectorFiles().empty() &&
+                        loaded.connectorFiles()[0] == alone.connectorFiles()[0];
+             })),
+        kind("resolution file", "connector/resolutions.xml", "zero.xml", "",
+             {"ResolutionRatios", "CapacityMode", "Resolution"},
+             directory<Connectors>([](const auto& loaded, const auto& alone) {
+                 return loaded.resolution() == alone.resolution();
+             })),
+        single("menu function items", "menu/menufcitems.xml", {"MenuItems", "MenuItem"},
+               [](const QString& path, QString& error) {
+                   return MenuConfigManager().readMenuFCItems(path, error);
+               }),
+        single("menu tree", "menu/menuitems.xml", {"MenuBar", "MenuItem"},
+               [](const QString& path, QString& error) {
+                   return MenuConfigManager().readMenuItems(path, error);
+               }),
+        single("HDR option file", "func/hdr/lcdhdrinputconfig.xml", {"Key", "ValueInfo", "SupportValue"},
+               [](const QString& path, QString& error) {
+                   HDROptionTable table;
+                   return HDRConfig().readConfig(path, error, table);
+               }),
+        single("key-check list", "ui/checklist.xml", {"LcdKeys", "Key"},
+               [](const QString& path, QString& error) { return KeyCheckConfig().readConfig(path, error); }),
+        single(
+            "print key numbers", "ui/printkeynoconfig.xml", {"Device", "Subcard", "Key"},
+            [](const QString& path, QString& error) { return PrintKeyNoConfig().readConfig(path, error); }),
     };
     return all;
 }
@@ -384,10 +347,6 @@ QByteArray siblingsDocument(const QByteArray& sample, const QStringList& path, i
     element.parentNode().replaceChild(doc.createComment(QStringLiteral("SIBLINGS")), element);
     return doc.toByteArray(-1).replace("<!--SIBLINGS-->", text.toUtf8().repeated(count));
 }
-
-// Kinds whose walk is still worse than linear on this branch; their rows
-// run when LCD_TEST_QUADRATIC_WALKS is set.
-const QStringList kQuadraticWalks = {};
 
 } // namespace
 
@@ -496,9 +455,7 @@ private Q_SLOTS:
             QFile::setPermissions(root.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
                                                    QFile::ReadOther | QFile::ExeOther | QFile::ReadGroup |
                                                    QFile::ExeGroup);
-            QFile sampleFile(test::sharedConfig(kind.sample));
-            QVERIFY(sampleFile.open(QIODevice::ReadOnly));
-            const QByteArray good = sampleFile.readAll();
+            const QByteArray good = sampleOf(kind);
             QString loaded = root.filePath("hostile");
             QString reference;
             QString entry = root.filePath(kind.fileName);
@@ -558,8 +515,6 @@ private Q_SLOTS:
     void millionSiblings() {
         QFETCH(int, kind);
         const Kind& k = kinds()[kind];
-        if (kQuadraticWalks.contains(k.name) && !qEnvironmentVariableIsSet("LCD_TEST_QUADRATIC_WALKS"))
-            QSKIP("this walk is still worse than linear; set LCD_TEST_QUADRATIC_WALKS to run it");
         const int factor = kSanitized ? 6 : 3;
         const int count = qEnvironmentVariableIsSet("LCD_TEST_SIBLINGS")
                               ? qEnvironmentVariableIntValue("LCD_TEST_SIBLINGS")

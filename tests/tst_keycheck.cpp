@@ -104,15 +104,7 @@ private Q_SLOTS:
                             printKeys.readConfig(test::sharedConfig("ui/printkeynoconfig.xml"), error);
                  }),
                  QString());
-        const KeyList list = keys.getKeyCheckList();
-        QCOMPARE(list.size(), 15);
-        QCOMPARE(list.first(), (QPair<int, QString>{16, "MENU"}));
-        QVERIFY(list.contains({48, "TAKE"}));
-        const SubcardPrintKeyNoInfo output = printKeys.getPrintKeyNoCfg(29974, 3101);
-        QCOMPARE(output.modelId, 3101);
-        QCOMPARE(output.printKeyNos.back().printKeyNo, std::string("OUT4"));
-        QCOMPARE(printKeys.getPrintKeyNoCfg(29974, 2104).printKeyNos.front().printKeyNo, std::string("SDI1"));
-
+        // Their contents are pinned by the tool's dumps (tst_lcdcfg_show).
         // A failed load leaves the table alone; a second load appends, the first copy answers.
         QString error;
         QVERIFY(!printKeys.readConfig(test::sharedConfig("ui/missing.xml"), error));

@@ -37,10 +37,8 @@ private Q_SLOTS:
                              test::sharedConfig("device/29974/29974_layer_%1.xml").arg(name), error, *layer);
                      }),
                      QString());
-        QCOMPARE(normal.type, 1);
         QCOMPARE(normal.cutFill.curveStartX, (s_WideRangeValue{1, 1, 0, 0, -7680, 7680}));
         QCOMPARE(normal.shadow.feather, (s_RangeValue{1, 1, 8, 0, 0, 32, 1.0}));
-        QCOMPARE(pip.type, 2);
         QCOMPARE(pip.cutFill.curve, s_SupportInfo{});
         QCOMPARE(pip.cutFill.relativeHeight, (s_WideRangeValue{1, 1, 540, 0, 64, 2160}));
     }

@@ -13,11 +13,6 @@ namespace {
 using test::lcdcfg;
 using test::Run;
 
-// A copy of the shipped configuration under `dir`/share/config.
-QString copyConfig(const QTemporaryDir& dir) {
-    return test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("share/config")));
-}
-
 // Plants a fault in `path` (see plantedFaults).
 void plant(const QString& path, const QString& from, const QString& to) {
     if (from == "mkdir") {
@@ -158,7 +153,7 @@ private Q_SLOTS:
         QFETCH(QStringList, expected);
         QFETCH(int, code);
         QTemporaryDir dir;
-        QString config = copyConfig(dir);
+        QString config = test::shippedCopy(dir, "share/config");
         if (file == "<root>") {
             QVERIFY(QDir().rename(config, dir.filePath(to)));
             config = dir.filePath(to);
@@ -196,31 +191,14 @@ private Q_SLOTS:
         QFETCH(QStringList, options);
         QFETCH(QString, golden);
         QTemporaryDir dir;
-        const QString config = copyConfig(dir);
+        const QString config = test::shippedCopy(dir, "share/config");
         plant(config + "/device/29974/29974_slot.xml", "ModuleId=\"2104\"", "ModuleId=\"2105\"");
         plant(config + "/subcard/2103_dp12_2in.xml", "", "<Vrn version=\"1.0\">");
         plant(config + "/subcard/2102_dvi_4in.xml", "<en>4-port DVI input card</en>", "<en></en>");
         plant(config + "/menu/menuitems.xml", "Key=\"101\"", "Key=\"999\"");
         const Run run = lcdcfg(QStringList{"check"} + options + QStringList{config});
         QCOMPARE(run.code, 1);
-        const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + golden;
-        if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
-            QFile out(path);
-            QVERIFY(out.open(QIODevice::WriteOnly));
-            out.write(run.out.toUtf8());
-        }
-        const QString expected = QString::fromUtf8(test::testData("lcdcfg/" + golden));
-        if (run.out != expected) {
-            QTemporaryDir diffDir;
-            QFile actual(diffDir.filePath("actual"));
-            QVERIFY(actual.open(QIODevice::WriteOnly));
-            actual.write(run.out.toUtf8());
-            actual.close();
-            QProcess diff;
-            diff.start("diff", {"-u", path, actual.fileName()});
-            diff.waitForFinished();
-            QFAIL(qPrintable("output differs from " + path + "\n" + diff.readAllStandardOutput()));
-        }
+        test::compareGolden(golden, run.out.toUtf8());
     }
 
     void usageErrors_data() {

@@ -21,29 +21,6 @@ int lineOf(const QByteArray& text, const QByteArray& marker) {
     return at < 0 ? -1 : text.left(at).count('\n') + 1;
 }
 
-// Compares `actual` with the golden file tests/data/lcdcfg/`name`;
-// LCD_UPDATE_GOLDEN=1 rewrites it.
-void compareGolden(const QString& name, const QString& actual) {
-    const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + name;
-    if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(actual.toUtf8());
-        return;
-    }
-    QFile file(path);
-    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(path));
-    const QString expected = QString::fromUtf8(file.readAll());
-    if (expected == actual) return;
-    QTemporaryDir dir;
-    const QString got = test::writeFile(dir, "actual", actual.toUtf8());
-    QProcess diff;
-    diff.start("diff", {"-u", path, got});
-    diff.waitForFinished();
-    QFAIL(qPrintable(name + " differs (LCD_UPDATE_GOLDEN=1 rewrites it):\n" +
-                     QString::fromUtf8(diff.readAllStandardOutput())));
-}
-
 } // namespace
 
 class LcdcfgLintTest : public QObject {
@@ -133,7 +110,7 @@ private Q_SLOTS:
         QFETCH(QString, code);
         QFETCH(QString, text);
         QTemporaryDir dir;
-        const QString root = test::copyTree(test::sharedConfig(QString()), dir.filePath("config"));
+        const QString root = test::shippedCopy(dir);
         QByteArray content = to;
         if (!from.isEmpty()) {
             QFile original(root + "/" + file);
@@ -187,7 +164,7 @@ private Q_SLOTS:
         QFETCH(int, exitCode);
         const Run run = lcdcfg(args);
         QVERIFY2(run.code == exitCode, qPrintable(run.out + run.err));
-        compareGolden(QString::fromLatin1(QTest::currentDataTag()), run.out);
+        test::compareGolden(QString::fromLatin1(QTest::currentDataTag()), run.out.toUtf8());
     }
 
     // docs/reference/ is what `lcdcfg reference` writes from the shipped tree

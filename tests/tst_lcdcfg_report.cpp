@@ -53,11 +53,6 @@ QString browser() {
     return QString();
 }
 
-// A copy of the shipped tree under `dir`.
-QString copyConfig(const QTemporaryDir& dir) {
-    return test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("config")));
-}
-
 QByteArray readAll(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -119,7 +114,7 @@ private Q_SLOTS:
         QTemporaryDir dir;
         QString root = test::sharedConfig(QString());
         if (!fault.isEmpty()) {
-            root = copyConfig(dir);
+            root = test::shippedCopy(dir);
             const QString path = root + QLatin1Char('/') + QLatin1String(kSplice);
             QString xml = QString::fromUtf8(readAll(path));
             QVERIFY2(xml.contains(from), "the planted fault's original text is not in the shipped file");

@@ -16,29 +16,6 @@ namespace {
 using test::lcdcfg;
 using test::Run;
 
-const QString kGolden = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/");
-
-// Compares `actual` with the golden file `name`; on a mismatch the message
-// is the unified diff (golden first).
-QString compareGolden(const QString& name, const QByteArray& actual) {
-    const QString path = kGolden + name;
-    if (qEnvironmentVariableIntValue("LCD_UPDATE_GOLDEN") == 1) {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return "cannot write " + path;
-        file.write(actual);
-        return {};
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return "no golden file " + path + " (LCD_UPDATE_GOLDEN=1 makes it)";
-    if (file.readAll() == actual) return {};
-    QTemporaryDir dir;
-    const QString actualPath = test::writeFile(dir, name, actual);
-    QProcess diff;
-    diff.start(QStringLiteral("diff"), {"-u", path, actualPath});
-    diff.waitForFinished();
-    return QString::fromUtf8(diff.readAllStandardOutput());
-}
-
 // A copy of the shipped configuration under `dir`/config with a few changes
 // planted: each replaces the first `from` in `file` by `to`.
 struct Plant {
@@ -47,8 +24,7 @@ struct Plant {
     const char* to;
 };
 QString plantedCopy(const QTemporaryDir& dir, std::initializer_list<Plant> plants) {
-    const QString target =
-        test::copyTree(test::sharedConfig(QString()), dir.filePath(QStringLiteral("config")));
+    const QString target = test::shippedCopy(dir);
     for (const Plant& plant : plants) {
         QFile file(target + "/" + plant.file);
         if (!file.open(QIODevice::ReadOnly)) qFatal("no %s in the shipped tree", plant.file);
@@ -90,8 +66,7 @@ private Q_SLOTS:
         QFETCH(QString, golden);
         const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
         QVERIFY2(run.code == 0, qPrintable(run.err));
-        const QString mismatch = compareGolden(golden, run.out.toUtf8());
-        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+        test::compareGolden(golden, run.out.toUtf8());
     }
 
     void answersAndRefusals_data() {
@@ -176,8 +151,7 @@ private Q_SLOTS:
 
         const Run text = lcdcfg({"diff", shipped, changed});
         QCOMPARE(text.code, 1);
-        const QString mismatch = compareGolden("diff-planted.txt", text.out.toUtf8());
-        QVERIFY2(mismatch.isEmpty(), qPrintable(mismatch));
+        test::compareGolden("diff-planted.txt", text.out.toUtf8());
 
         const Run json = lcdcfg({"diff", "--json", shipped, changed});
         QCOMPARE(json.code, 1);

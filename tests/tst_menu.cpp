@@ -228,33 +228,6 @@ private Q_SLOTS:
         QCOMPARE(keys(menu.findChidItemsByKey(items - 1)), QString("%1:0").arg(items));
         QVERIFY(menu.isSiblingItem(items, items));
     }
-
-    void shippedFiles_data() {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<QList<int>>("children");
-        QTest::newRow("top-level menus") << 1 << QList<int>{100, 200, 300, 400, 500, 600};
-        QTest::newRow("system menu") << 600 << QList<int>{601, 606, 607, 608, 609, 610, 611, 612};
-        QTest::newRow("image quality below inputs") << 306 << QList<int>{307, 308, 309, 310, 311};
-        QTest::newRow("a command has no children") << 612 << QList<int>{};
-    }
-    void shippedFiles() {
-        QFETCH(int, key);
-        test::MessageRecorder recorder;
-        MenuConfigManager menu;
-        QString error;
-        QVERIFY(menu.readMenuFCItems(test::sharedConfig("menu/menufcitems.xml"), error));
-        QVERIFY(menu.readMenuItems(test::sharedConfig("menu/menuitems.xml"), error));
-        QVERIFY2(error.isEmpty() && recorder.clean(), qPrintable(error));
-        QList<int> children;
-        for (const s_MenuItem* c : menu.findChidItemsByKey(key)) {
-            children << c->key;
-            QVERIFY(c->fcItem && c->fcItem->icon.startsWith(":/images/menu/"));
-            QVERIFY(!c->fcItem->name.value("en").isEmpty() && !c->fcItem->name.value("zh_CN").isEmpty());
-        }
-        QTEST(children, "children");
-        QCOMPARE(render({menu.findMenuFCItem(106)}), QString("106|:/images/menu/screen_brightness.png|3|%|"
-                                                             "Brightness/亮度"));
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_Menu)

@@ -24,7 +24,6 @@ private Q_SLOTS:
         QCOMPARE(info->name, "configmodel");
         QCOMPARE(info->version, "0.1.0");
         QCOMPARE(info->description, "{\"desc\":\"configmodel plugin!\",\"end\":0 }");
-        QCOMPARE(qstrlen(info->description), 39u);
         // pluginfo() hands out the same record every time.
         QCOMPARE(static_cast<const void*>(pluginfo()), static_cast<const void*>(info));
     }

@@ -90,33 +90,12 @@ private Q_SLOTS:
         QVERIFY(shipped.size() > 50);
         for (const QString& text : shipped)
             QTest::newRow(qPrintable("shipped '" + text + "'")) << text;
-        const char* tricky[] = {"",
-                                "-",
-                                "+",
-                                "+7",
-                                "-0",
-                                "007",
-                                " 7",
-                                "7 ",
-                                "\t7\n",
-                                "7a",
-                                "0x10",
-                                "1e3",
-                                "1.0",
-                                "1,000",
-                                "--1",
-                                "999999999",
-                                "-999999999",
-                                "2147483647",
-                                "2147483648",
-                                "-2147483648",
-                                "-2147483649",
-                                "99999999999",
-                                "0000000000012",
-                                "\xc2\xa0"
-                                "5",
-                                "\xd9\xa3"};
-        for (const char* text : tricky)
+        // Separated by "|": the empty text comes first.
+        const QByteArray tricky = "|-|+|+7|-0|007| 7|7 |\t7\n|7a|0x10|1e3|1.0|1,000|--1|999999999|-999999999|"
+                                  "2147483647|2147483648|-2147483648|-2147483649|99999999999|0000000000012|"
+                                  "\xc2\xa0"
+                                  "5|\xd9\xa3";
+        for (const QByteArray& text : tricky.split('|'))
             QTest::newRow(qPrintable(QStringLiteral("tricky '%1'").arg(QString::fromUtf8(text))))
                 << QString::fromUtf8(text);
     }
