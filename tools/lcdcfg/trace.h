@@ -138,7 +138,6 @@ public:
     const DocumentTrace* document(const QString& path) const;
 
     // -- sites
-    const QVector<Site>& sites() const { return m_sites; }
     const QVector<Missing>& missing() const { return m_missing; }
     const QVector<DocumentFailure>& failures() const { return m_failures; }
     const QVector<BadNumber>& badNumbers() const { return m_badNumbers; }
