@@ -13,20 +13,19 @@ namespace xml {
 namespace {
 
 // A lookup's result, reported to the observer: the element, or the parent
-// and the name asked for when there is none.
-inline QDomElement visited(QDomElement e, const QDomElement& parent, const char* name) {
+// and the name asked for when there is none. The callers return the element
+// they hold (a QDomNode copy costs two atomic counts).
+inline void visited(const QDomElement& e, const QDomElement& parent, const char* name) {
     if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) {
         if (!e.isNull())
             o->elementFound(e);
         else if (name && !parent.isNull())
             o->elementMissing(parent, name);
     }
-    return e;
 }
 
-inline QDomElement visited(QDomElement e) {
+inline void visited(const QDomElement& e) {
     if (LoadObserver* o = observe::current(); Q_UNLIKELY(o) && !e.isNull()) o->elementFound(e);
-    return e;
 }
 
 inline void textWasRead(const QDomElement& e, ReadKind kind = ReadKind::Text) {
@@ -156,8 +155,9 @@ T number(const QDomElement& e, const char* name, const char* def, ReadKind kind,
 
 QDomElement child(const QDomElement& parent, const char* name) {
     if (parent.isNull()) return {};
-    return visited(name ? parent.firstChildElement(interned(name)) : parent.firstChildElement(), parent,
-                   name);
+    QDomElement e = name ? parent.firstChildElement(interned(name)) : parent.firstChildElement();
+    visited(e, parent, name);
+    return e;
 }
 
 QDomElement firstChild(const QDomElement& parent) {
@@ -165,11 +165,15 @@ QDomElement firstChild(const QDomElement& parent) {
 }
 
 QDomElement next(const QDomElement& element) {
-    return visited(element.nextSiblingElement());
+    QDomElement e = element.nextSiblingElement();
+    visited(e);
+    return e;
 }
 
 QDomElement nextNamed(const QDomElement& element, const char* name) {
-    return visited(element.nextSiblingElement(interned(name)));
+    QDomElement e = element.nextSiblingElement(interned(name));
+    visited(e);
+    return e;
 }
 
 QString attr(const QDomElement& e, const char* name, const char* def) {
@@ -246,15 +250,6 @@ void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
 
 namespace detail {
 
-int field(const char* name) {
-    static const char* const names[] = {"Support", "Editable",  "Value",       "DataType", "Min",
-                                        "Max",     "RangeType", "Coefficient", "Step"};
-    for (int i = 0; i < int(std::size(names)); ++i)
-        if (std::strcmp(name, names[i]) == 0) return i;
-    Q_ASSERT_X(false, "xml::readAs", name); // no record has a field of that name
-    return -1;
-}
-
 void store(const QDomElement& e, const Attr& a, qint32* out) {
     *out = intAttr(e, a.name, a.def);
 }
@@ -301,7 +296,9 @@ Children::Children(const QDomElement& parent) : m_parent(parent) {
 
 QDomElement Children::operator()(const char* name) const {
     if (m_parent.isNull()) return {};
-    return visited(m_first.value(interned(name)), m_parent, name);
+    QDomElement e = m_first.value(interned(name));
+    visited(e, m_parent, name);
+    return e;
 }
 
 QDomElement Section::need(const QDomElement& parent, const char* name, Missing missing) {

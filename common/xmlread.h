@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <functional>
 #include <initializer_list>
+#include <iterator>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -120,6 +121,25 @@ LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_li
 
 // ---- value shapes ---------------------------------------------------------
 
+namespace detail {
+// The record fields a table can fill, in the order readFields lists them.
+constexpr const char* kFieldNames[] = {"Support", "Editable",  "Value",       "DataType", "Min",
+                                       "Max",     "RangeType", "Coefficient", "Step"};
+constexpr bool sameName(const char* a, const char* b) {
+    while (*a && *a == *b) {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+// The position of an attribute name in kFieldNames; -1 when no field has it.
+constexpr int field(const char* name) {
+    for (int i = 0; i < int(std::size(kFieldNames)); ++i)
+        if (sameName(name, kFieldNames[i])) return i;
+    return -1;
+}
+} // namespace detail
+
 // An attribute with its default, as the tables write it: {"Max", "255"}. A
 // table lists the attributes in the order they are read; attributes not
 // listed are not read. Each name fills the record field of the same name:
@@ -129,6 +149,8 @@ LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_li
 struct Attr {
     const char* name;
     const char* def;
+    int field; // where the name goes, found when the table is written
+    constexpr Attr(const char* name, const char* def) : name(name), def(def), field(detail::field(name)) {}
 };
 using Attrs = std::initializer_list<Attr>;
 
@@ -154,8 +176,6 @@ enum class ListFrom {
 };
 
 namespace detail {
-// The position of an attribute name in the list of readFields below.
-LCD_CONFIGMODEL_EXPORT int field(const char* name);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, qint32* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, qint64* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, float* out);
@@ -180,7 +200,8 @@ template <class R> void readFields(const QDomElement& e, Attrs attrs, R& r) {
     const auto fields = std::make_tuple(support(r, 0), editable(r, 0), value(r, 0), dataType(r, 0), min(r, 0),
                                         max(r, 0), rangeType(r, 0), coefficient(r, 0), step(r, 0));
     for (const Attr& a : attrs) {
-        const int wanted = field(a.name);
+        Q_ASSERT_X(a.field >= 0, "xml::readAs", a.name); // no record has a field of that name
+        const int wanted = a.field;
         std::apply(
             [&](auto... f) {
                 int i = 0;
