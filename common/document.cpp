@@ -74,15 +74,59 @@ const char* find(const char* from, const char* end, const char* what) {
     return end;
 }
 
-// Past the '>' that closes a tag, skipping quoted attribute values.
-const char* skipTag(const char* p, const char* end, bool* selfClosing) {
+// The bytes a start or end tag may hold outside its quoted values for its
+// markup to count as plain: ASCII name characters, blanks, '=' and '/'.
+struct ByteSet {
+    bool has[256] = {};
+};
+constexpr ByteSet plainTagBytes() {
+    ByteSet set;
+    for (int c = 0; c < 256; ++c)
+        set.has[c] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+                     c == '-' || c == '.' || c == ':' || c == ' ' || c == '\t' || c == '\n' || c == '\r' ||
+                     c == '=' || c == '/';
+    return set;
+}
+constexpr ByteSet kPlainTag = plainTagBytes();
+
+bool plainByte(char c) {
+    return kPlainTag.has[static_cast<unsigned char>(c)];
+}
+
+// Whether the processing instruction from `p` (just past "<?") to `close`
+// (just past its "?>") is an XML declaration with plain bytes outside its
+// quoted values: the stream reader accepts instruction targets the classic
+// builder refuses.
+bool plainDeclaration(const char* p, const char* close) {
+    if (close - p < 6 || std::memcmp(close - 2, "?>", 2) != 0 || std::memcmp(p, "xml", 3) != 0 ||
+        (p[3] != ' ' && p[3] != '\t' && p[3] != '\n'))
+        return false;
+    char quote = 0;
+    for (p += 3; p < close - 2; ++p) {
+        if (quote) {
+            if (*p == quote) quote = 0;
+        } else if (*p == '"' || *p == '\'') {
+            quote = *p;
+        } else if (!plainByte(*p)) {
+            return false;
+        }
+    }
+    return !quote;
+}
+
+// Past the '>' that closes a tag, skipping quoted attribute values; `plain`
+// is cleared when the tag holds a byte outside kPlainTag, or a value a tab
+// or a line feed.
+const char* skipTag(const char* p, const char* end, bool* selfClosing, bool* plain) {
     char previous = 0;
     while (p < end) {
         const char c = *p;
         if (c == '"' || c == '\'') {
-            const void* close = std::memchr(p + 1, c, static_cast<size_t>(end - p - 1));
+            const char* const close = static_cast<const char*>(std::memchr(p + 1, c, size_t(end - p - 1)));
             if (!close) return end;
-            p = static_cast<const char*>(close) + 1;
+            for (++p; p < close; ++p) // the builders normalise blanks in values differently
+                *plain = *plain && *p != '\t' && *p != '\n';
+            p = close + 1;
             previous = c;
             continue;
         }
@@ -90,6 +134,7 @@ const char* skipTag(const char* p, const char* end, bool* selfClosing) {
             *selfClosing = previous == '/';
             return p + 1;
         }
+        *plain = *plain && plainByte(c);
         previous = c;
         ++p;
     }
@@ -105,21 +150,30 @@ bool asciiCompatible(const QByteArray& data) {
     return !((a == 0xFE && b == 0xFF) || (a == 0xFF && b == 0xFE) || a == 0 || b == 0);
 }
 
+// The encoding an XML declaration names, lower-case; empty when it names none.
+// `ok` is false when the name is not quoted.
+QByteArray declaredEncoding(const QByteArray& declaration, bool* ok) {
+    *ok = true;
+    const int at = declaration.indexOf("encoding");
+    if (at < 0) return QByteArray();
+    int from = at + 8;
+    while (from < declaration.size() && (declaration[from] == ' ' || declaration[from] == '='))
+        ++from;
+    const char quote = from < declaration.size() ? declaration[from] : 0;
+    const int close = declaration.indexOf(quote, from + 1);
+    *ok = (quote == '"' || quote == '\'') && close >= 0;
+    return *ok ? declaration.mid(from + 1, close - from - 1).toLower() : QByteArray();
+}
+
 // Whether the encoding named in an XML declaration writes '<', '>', '/' and
 // quotes as their ASCII bytes and never uses those bytes inside another
 // character. Anything else (UTF-7 spells markup as "+ADw-") is measured
 // by the stream reader.
 bool byteScannable(const QByteArray& declaration) {
-    const int at = declaration.indexOf("encoding");
-    if (at < 0) return true;
-    int from = at + 8;
-    while (from < declaration.size() && (declaration[from] == ' ' || declaration[from] == '='))
-        ++from;
-    if (from >= declaration.size()) return false;
-    const char quote = declaration[from];
-    const int close = declaration.indexOf(quote, from + 1);
-    if ((quote != '"' && quote != '\'') || close < 0) return false;
-    const QByteArray name = declaration.mid(from + 1, close - from - 1).toLower();
+    bool ok = false;
+    const QByteArray name = declaredEncoding(declaration, &ok);
+    if (!ok) return false;
+    if (name.isEmpty()) return true;
     for (const char* safe : {"utf-8", "utf8", "us-ascii", "ascii", "iso-8859-", "latin", "windows-125",
                              "gb2312", "gbk", "gb18030", "big5"}) {
         if (name.startsWith(safe)) return true;
@@ -157,6 +211,115 @@ bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* 
     return reader.hasError() ? reject(reader.errorString()) : true;
 }
 
+// The nesting check. `plain` tells whether the byte scanner read the whole
+// document (no DOCTYPE, an ASCII-compatible encoding), every tag held only
+// plain bytes, and neither a CDATA section nor a processing instruction other
+// than the XML declaration was met.
+bool nestingWithin(const QByteArray& data, int maxDepth, NestingViolation* where, bool* plain) {
+    *plain = false;
+    if (!asciiCompatible(data)) return checkNestingStream(data, maxDepth, where);
+
+    const char* const begin = data.constData();
+    const char* const end = begin + data.size();
+    const char* const declaration = begin + (data.startsWith("\xEF\xBB\xBF") ? 3 : 0);
+    const char* p = begin;
+    int depth = 0;
+    bool plainSoFar = true;
+    while (p < end) {
+        const void* hit = std::memchr(p, '<', static_cast<size_t>(end - p));
+        if (!hit) break;
+        const char* const tag = static_cast<const char*>(hit);
+        p = tag + 1;
+        if (p >= end) break;
+        switch (*p) {
+        case '?': { // processing instruction or XML declaration
+            const char* const close = find(p, end, "?>");
+            if (tag == begin && !byteScannable(QByteArray::fromRawData(p, int(close - p))))
+                return checkNestingStream(data, maxDepth, where);
+            plainSoFar = plainSoFar && tag == declaration && plainDeclaration(p + 1, close);
+            p = close;
+            break;
+        }
+        case '!':
+            if (end - p >= 3 && p[1] == '-' && p[2] == '-')
+                p = find(p + 3, end, "-->");
+            else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0) {
+                p = find(p + 8, end, "]]>");
+                plainSoFar = false; // a blank CDATA section is kept by one builder only
+            } else                  // a DOCTYPE (or no markup at all): the full reader decides
+                return checkNestingStream(data, maxDepth, where);
+            break;
+        case '/': {
+            --depth;
+            const char* const close =
+                static_cast<const char*>(std::memchr(p, '>', static_cast<size_t>(end - p)));
+            for (p = p + 1; p < (close ? close : end); ++p)
+                plainSoFar = plainSoFar && plainByte(*p);
+            p = close ? close + 1 : end;
+            break;
+        }
+        default: {
+            if (++depth > maxDepth) {
+                if (where) *where = positionOf(begin, tag);
+                return false;
+            }
+            bool selfClosing = false;
+            p = skipTag(p, end, &selfClosing, &plainSoFar);
+            if (selfClosing) --depth;
+            break;
+        }
+        }
+    }
+    *plain = plainSoFar;
+    return true;
+}
+
+// Whether `data` holds a C0 control other than tab and line feed. Controls
+// are not XML: the classic builder refuses them, the stream reader does not
+// always; a carriage return is kept by the classic builder and turned into a
+// line feed by the other. Eight bytes at a time: a word without a byte below
+// 0x20 is passed over at once.
+bool hasControl(const QByteArray& data) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(data.constData());
+    const size_t size = size_t(data.size());
+    const auto control = [](unsigned char c) { return c < 0x20 && c != '\t' && c != '\n'; };
+    size_t i = 0;
+    for (; i + 8 <= size; i += 8) {
+        quint64 word;
+        std::memcpy(&word, bytes + i, 8);
+        constexpr quint64 kOnes = 0x0101010101010101ULL;
+        if (((word - kOnes * 0x20) & ~word & (kOnes * 0x80)) == 0) continue; // every byte >= 0x20
+        for (size_t k = i; k < i + 8; ++k)
+            if (control(bytes[k])) return true;
+    }
+    for (; i < size; ++i)
+        if (control(bytes[i])) return true;
+    return false;
+}
+
+// Plain markup (see nestingWithin) in UTF-8 without control characters,
+// carriage returns or character references, with an XML declaration, if
+// any, naming UTF-8 or no encoding: documents the stream builder reads into the same tree as the
+// classic builder. Outside them it accepts what the classic builder refuses
+// (attribute names with '^' or '~', names with non-ASCII punctuation,
+// control characters) or normalises blanks differently.
+bool plainUtf8(const QByteArray& data, bool plainMarkup) {
+    if (!plainMarkup) return false;
+    if (hasControl(data)) return false;
+    // Character references: the classic builder drops one to a character
+    // beyond U+FFFF and keeps one to a control character or U+FFFF.
+    const char* const end = data.constData() + data.size();
+    for (const char* p = data.constData();
+         (p = static_cast<const char*>(std::memchr(p, '&', size_t(end - p)))); ++p)
+        if (p + 1 < end && p[1] == '#') return false;
+    const int start = data.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    if (data.size() < start + 5 || std::memcmp(data.constData() + start, "<?xml", 5) != 0) return true;
+    const int close = data.indexOf("?>", start);
+    bool ok = false;
+    const QByteArray name = declaredEncoding(data.mid(start, close < 0 ? -1 : close - start), &ok);
+    return ok && (name.isEmpty() || name == "utf-8");
+}
+
 } // namespace
 
 const DocumentFamily kDeviceFile{"Vrn", kPathWithName, kDeviceRootMismatch, kDeviceVersionMismatch,
@@ -176,52 +339,8 @@ QString Loader::invalidNode(const QString& tag) const {
 }
 
 bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where) {
-    if (!asciiCompatible(data)) return checkNestingStream(data, maxDepth, where);
-
-    const char* const begin = data.constData();
-    const char* const end = begin + data.size();
-    const char* p = begin;
-    int depth = 0;
-    while (p < end) {
-        const void* hit = std::memchr(p, '<', static_cast<size_t>(end - p));
-        if (!hit) break;
-        const char* const tag = static_cast<const char*>(hit);
-        p = tag + 1;
-        if (p >= end) break;
-        switch (*p) {
-        case '?': { // processing instruction or XML declaration
-            const char* const close = find(p, end, "?>");
-            if (tag == begin && !byteScannable(QByteArray::fromRawData(p, int(close - p))))
-                return checkNestingStream(data, maxDepth, where);
-            p = close;
-            break;
-        }
-        case '!':
-            if (end - p >= 3 && p[1] == '-' && p[2] == '-')
-                p = find(p + 3, end, "-->");
-            else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0)
-                p = find(p + 8, end, "]]>");
-            else // a DOCTYPE (or no markup at all): the full reader decides
-                return checkNestingStream(data, maxDepth, where);
-            break;
-        case '/':
-            --depth;
-            p = static_cast<const char*>(std::memchr(p, '>', static_cast<size_t>(end - p)));
-            p = p ? p + 1 : end;
-            break;
-        default: {
-            if (++depth > maxDepth) {
-                if (where) *where = positionOf(begin, tag);
-                return false;
-            }
-            bool selfClosing = false;
-            p = skipTag(p, end, &selfClosing);
-            if (selfClosing) --depth;
-            break;
-        }
-        }
-    }
-    return true;
+    bool plain = false;
+    return nestingWithin(data, maxDepth, where, &plain);
 }
 
 namespace {
@@ -231,12 +350,21 @@ namespace {
 bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error, int& line,
            int& column) {
     NestingViolation where;
-    if (!checkNesting(data, kMaxDocumentDepth, &where)) {
+    bool plain = false;
+    if (!nestingWithin(data, kMaxDocumentDepth, &where, &plain)) {
         line = where.line;
         column = where.column;
         error = loader.text(kParseError)
                     .arg(QString::number(where.line), QString::number(where.column), where.reason);
         return false;
+    }
+    // Plain UTF-8 goes through QDom's builder over the stream reader, which
+    // builds the same tree faster. Anything else, and any document that
+    // builder refuses, goes through the classic builder, whose verdict, error
+    // text and position are the ones reported.
+    if (plainUtf8(data, plain)) {
+        QXmlStreamReader reader(data);
+        if (doc.setContent(&reader, true)) return true;
     }
     QString message;
     if (!doc.setContent(data, true, &message, &line, &column)) {
@@ -316,7 +444,6 @@ ReadResult readBounded(const QString& path, QByteArray& data) {
     }
     if (filled > kMaxDocumentSize) return ReadResult::TooLarge;
     data.resize(int(filled));
-    data.squeeze();
     return ReadResult::Ok;
 }
 

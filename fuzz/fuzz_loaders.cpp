@@ -116,6 +116,53 @@ int depthOf(const QDomDocument& doc) {
     return deepest;
 }
 
+// Whether two documents hold the same tree: node kinds, names, namespaces,
+// values, attributes and element lines. Columns may differ: the classic
+// builder puts an empty element's column on its '/', the other on the '>'.
+// The attributes of an element as sorted "namespace name=value" texts: the
+// classic builder keeps a repeated attribute twice.
+QStringList attributesOf(const QDomNode& e) {
+    QStringList out;
+    const QDomNamedNodeMap map = e.attributes();
+    for (int i = 0; i < map.count(); ++i) {
+        const QDomNode a = map.item(i);
+        out << a.namespaceURI() + QLatin1Char(' ') + a.nodeName() + QLatin1Char('=') + a.nodeValue();
+    }
+    out.sort();
+    return out;
+}
+
+bool sameTree(const QDomNode& a, const QDomNode& b) {
+    if (a.nodeType() != b.nodeType() || a.nodeName() != b.nodeName() || a.nodeValue() != b.nodeValue() ||
+        a.namespaceURI() != b.namespaceURI() || a.prefix() != b.prefix() || a.localName() != b.localName())
+        return false;
+    if (a.isElement() && (a.lineNumber() != b.lineNumber() || attributesOf(a) != attributesOf(b)))
+        return false;
+    QDomNode c = a.firstChild();
+    QDomNode d = b.firstChild();
+    for (; !c.isNull() && !d.isNull(); c = c.nextSibling(), d = d.nextSibling())
+        if (!sameTree(c, d)) return false;
+    return c.isNull() && d.isNull();
+}
+
+// The loader's parse must give the classic QDom builder's verdict, the same
+// error text and, on success, the same tree, whichever builder it used.
+void compareWithClassic(const QByteArray& bytes, bool ok, const QDomDocument& doc, const QString& error) {
+    if (!checkNesting(bytes, kMaxDocumentDepth, nullptr)) return;
+    QDomDocument classic;
+    QString message;
+    int line = 0;
+    int column = 0;
+    const bool classicOk = classic.setContent(bytes, true, &message, &line, &column);
+    const QString expected = QStringLiteral("Parse error at line %1, column %2:\n%3")
+                                 .arg(QString::number(line), QString::number(column), message);
+    if (ok != classicOk || (!ok && error != expected) || (ok && !sameTree(doc, classic))) {
+        std::fprintf(stderr, "the loader's parse differs from the classic builder: %d/%d [%s] [%s]\n", ok,
+                     classicOk, qPrintable(error), qPrintable(expected));
+        std::abort();
+    }
+}
+
 // Parses as the device registry does, then walks the document with `parse`.
 // The nesting check must see every level the parser builds: if it passes the
 // document at one level less than the parsed tree has, it can be bypassed,
@@ -127,7 +174,10 @@ void parseDevice(const QByteArray& bytes, const char* trContext,
     QDomDocument doc;
     QString error;
     Record record;
-    if (!parseDocumentData(bytes, Loader{kDeviceFile, trContext, LCD_LOG_SITE}, doc, error)) return;
+    const bool ok = parseDocumentData(bytes, Loader{kDeviceFile, trContext, LCD_LOG_SITE}, doc, error);
+    compareWithClassic(bytes, ok, doc, error);
+    if (!ok) return;
+    error.clear();
     const int depth = depthOf(doc);
     if (checkNesting(bytes, depth - 1, nullptr)) {
         std::fprintf(stderr, "nesting check bypassed: it passes %d levels, the parsed tree has %d\n",

@@ -92,6 +92,9 @@ EOF
     grep -rhoE '<[A-Za-z_][A-Za-z0-9_.-]*' "$config" | sed 's/^<//' | sort -u | sed 's/.*/"<&"/'
     grep -rhoE ' [A-Za-z_][A-Za-z0-9_.-]*="' "$config" | sed 's/^ //' | sort -u | sed 's/"$/\\"/;s/.*/"&"/'
     printf '%s\n' '"version=\"1.0\""' '"<!DOCTYPE"' '"<!ENTITY"' '"<![CDATA["' '"-->"' '"&amp;"'
+    # What tells the two DOM builders apart (see parse in common/document.cpp).
+    printf '%s\n' '"&#x1F600;"' '"&#1;"' '"\x0D"' '"\x09"' '"<?xml "' '"?>"' '"]]>"' '"xmlns:p=\"u\""' '"p:"' \
+        '"\xC2\xB7"' '"encoding=\"UTF-8\""'
 } >"$here/loaders.dict"
 
 echo "$(ls "$corpus" | wc -l) seeds, $(grep -c '^"' "$here/loaders.dict") dictionary entries"
