@@ -60,7 +60,7 @@ std::vector<s_Connector> readInterfaceTable(const QDomElement& table) {
                                  {"RefreshRate", &r.refreshRate},
                                  {"Interlaced", &r.interlaced},
                                  {"StandardType", &r.standardType}});
-                    r.values = readValueList(h, ListFrom::AnyChild);
+                    appendValues(h, ListFrom::AnyChild, r.values);
                 });
             });
         });

@@ -277,14 +277,6 @@ void store(const QDomElement&, const Attr& a, std::nullptr_t) {
 
 } // namespace detail
 
-std::vector<qint32> readValueList(const QDomElement& e, ListFrom list) {
-    std::vector<qint32> values;
-    if (list == ListFrom::None) return values;
-    forEachRepeated(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
-                    [&](const QDomElement& item) { values.push_back(intAttr(item, "Value")); });
-    return values;
-}
-
 Section::Section(QString& error, const Loader& loader) : m_error(error), m_loader(loader) {}
 
 Children::Children(const QDomElement& parent) : m_parent(parent) {

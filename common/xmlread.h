@@ -212,8 +212,13 @@ template <class R> void readFields(const QDomElement& e, Attrs attrs, R& r) {
 }
 } // namespace detail
 
-// The "Value" attribute of each listed child (absent gives 0), in file order.
-LCD_CONFIGMODEL_EXPORT std::vector<qint32> readValueList(const QDomElement& e, ListFrom list);
+// Appends the "Value" attribute of each listed child (absent gives 0) to
+// `values`, in file order.
+template <class Values> void appendValues(const QDomElement& e, ListFrom list, Values& values) {
+    if (list == ListFrom::None) return;
+    forEachRepeated(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
+                    [&](const QDomElement& item) { values.push_back({intAttr(item, "Value")}); });
+}
 
 // A fresh record with the listed attributes read (a null element gives the
 // converted defaults): readAs<s_RangeValue>(e, kLenient).
@@ -225,8 +230,7 @@ template <class R> R readAs(const QDomElement& e, Attrs attrs) {
 // The same, with the values of an enumerated setting taken from `list`.
 template <class R> R readAs(const QDomElement& e, Attrs attrs, ListFrom list) {
     R r = readAs<R>(e, attrs);
-    for (qint32 v : readValueList(e, list))
-        r.values.push_back({v});
+    appendValues(e, list, r.values);
     return r;
 }
 
@@ -240,7 +244,9 @@ template <class R> void update(const QDomElement& e, Attrs attrs, R& out) {
 template <class R> void update(const QDomElement& e, Attrs attrs, ListFrom list, R& out) {
     if (e.isNull()) return;
     detail::readFields(e, attrs, out);
-    if (list != ListFrom::None) out.values = readAs<R>(e, {}, list).values;
+    if (list == ListFrom::None) return;
+    out.values.clear();
+    appendValues(e, list, out.values);
 }
 
 // ---- sections -------------------------------------------------------------
