@@ -10,6 +10,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDebug>
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFileInfo>
 #include <QtCore/QVariant>
 
@@ -44,13 +45,16 @@ bool readPart(bool (Parser::*parse)(const QDomDocument&, QString&, Record&), con
 // and handed to the parsers its name asks for. A file that cannot be opened
 // or parsed leaves its reason in `error` and is skipped.
 void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QString& error) {
-    const QFileInfoList entries =
-        dir.entryInfoList({QStringLiteral("*.xml")}, QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Unsorted);
-    for (const QFileInfo& entry : entries) {
+    // Every visible entry named "*.xml" in any case, in directory order (what
+    // QDir's "*.xml" filter keeps, without its wildcard expression).
+    QDirIterator entries(dir.path(), QDir::AllEntries | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        const QString name = entries.fileName();
+        if (!name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive)) continue;
         QDomDocument doc;
-        if (!parseDocumentFile(entry.filePath(), loader, doc, error)) continue;
+        if (!parseDocumentFile(entries.filePath(), loader, doc, error)) continue;
 
-        const QString name = entry.fileName();
         if (name.contains(QLatin1String("feature"))) {
             Feature::s_DeviceFeature feature;
             if (readPart(&DeviceFeatureConfigManager::parseDeviceFeaturecfg, doc, feature))

@@ -155,8 +155,10 @@ private Q_SLOTS:
         row("base name is the model id", {{"29974.old/a_slot.xml", kSlot}},
             "29974 en= cross=1 screens= layers= cards=");
         row("Feature.xml has no dispatch word", {{"29974/Feature.xml", feature("A")}}, nothing);
-        row("pattern ignores case, other names unread",
-            {{"29974/a_feature.XML", feature("A")}, {"29974/a_screen.txt", "<broken"}},
+        row("pattern ignores case, other and hidden names unread",
+            {{"29974/a_feature.XML", feature("A")},
+             {"29974/a_screen.txt", "<broken"},
+             {"29974/.b_feature.xml", feature("B")}},
             "29974 en=A cross=-1 screens= layers= cards=");
         row("screen_layer.xml goes to both parsers",
             {{"29974/screen_layer.xml", vrn(screens(3) + layers(4))}},
