@@ -241,13 +241,15 @@ bool nestingWithin(const QByteArray& data, int maxDepth, NestingViolation* where
             break;
         }
         case '!':
-            if (end - p >= 3 && p[1] == '-' && p[2] == '-')
+            if (end - p >= 3 && p[1] == '-' && p[2] == '-') {
                 p = find(p + 3, end, "-->");
-            else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0) {
+            } else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0) {
                 p = find(p + 8, end, "]]>");
                 plainSoFar = false; // a blank CDATA section is kept by one builder only
-            } else                  // a DOCTYPE (or no markup at all): the full reader decides
+            } else {
+                // a DOCTYPE (or no markup at all): the full reader decides
                 return checkNestingStream(data, maxDepth, where);
+            }
             break;
         case '/': {
             --depth;
@@ -299,10 +301,11 @@ bool hasControl(const QByteArray& data) {
 
 // Plain markup (see nestingWithin) in UTF-8 without control characters,
 // carriage returns or character references, with an XML declaration, if
-// any, naming UTF-8 or no encoding: documents the stream builder reads into the same tree as the
-// classic builder. Outside them it accepts what the classic builder refuses
-// (attribute names with '^' or '~', names with non-ASCII punctuation,
-// control characters) or normalises blanks differently.
+// any, naming UTF-8 or no encoding: documents the stream builder reads into
+// the same tree as the classic builder. Outside them it accepts what the
+// classic builder refuses (attribute names with '^' or '~', names with
+// non-ASCII punctuation, control characters) or normalises blanks
+// differently.
 bool plainUtf8(const QByteArray& data, bool plainMarkup) {
     if (!plainMarkup) return false;
     if (hasControl(data)) return false;
