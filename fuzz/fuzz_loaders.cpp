@@ -116,9 +116,6 @@ int depthOf(const QDomDocument& doc) {
     return deepest;
 }
 
-// Whether two documents hold the same tree: node kinds, names, namespaces,
-// values, attributes and element lines. Columns may differ: the classic
-// builder puts an empty element's column on its '/', the other on the '>'.
 // The attributes of an element as sorted "namespace name=value" texts: the
 // classic builder keeps a repeated attribute twice.
 QStringList attributesOf(const QDomNode& e) {
@@ -132,6 +129,9 @@ QStringList attributesOf(const QDomNode& e) {
     return out;
 }
 
+// Whether two documents hold the same tree: node kinds, names, namespaces,
+// values, attributes and element lines. Columns may differ: the classic
+// builder puts an empty element's column on its '/', the other on the '>'.
 bool sameTree(const QDomNode& a, const QDomNode& b) {
     if (a.nodeType() != b.nodeType() || a.nodeName() != b.nodeName() || a.nodeValue() != b.nodeValue() ||
         a.namespaceURI() != b.namespaceURI() || a.prefix() != b.prefix() || a.localName() != b.localName())
