@@ -8,8 +8,9 @@
 // values varied) is generated for S = 1, 10 and 100; each component's load is
 // measured against its floor (opening and parsing with QDom, namespace
 // processing on, exactly the files that load reads), interleaved, and the
-// median of the ratios of each load to the floor that follows it is printed
-// with the growth of the load from 10 to 100. "parse" is the loader's own
+// median of the ratios of each load to the floor that follows it is printed,
+// then the growth of the load from 10 to 100 (median over pairs of loads
+// taken one after the other). "parse" is the loader's own
 // reading and parsing of the same files and "walk" what the load costs
 // beyond it, both as fractions of the floor.
 //
@@ -236,12 +237,13 @@ void benchScaled() {
          [](const QString& root) { return xmlFiles(root + "/connector", false); }},
     };
     const int scales[] = {1, 10, 100};
-    std::vector<std::vector<double>> loads(components.size());
+    QTemporaryDir trees[std::size(scales)]; // kept for the growth below
 
     std::printf("%-20s %5s %7s %11s %11s %7s %7s %7s\n", "component", "S", "files", "load ms", "floor ms",
                 "ratio", "parse", "walk");
-    for (int scale : scales) {
-        QTemporaryDir dir;
+    for (size_t i = 0; i < std::size(scales); ++i) {
+        const int scale = scales[i];
+        const QTemporaryDir& dir = trees[i];
         generateTree(g_config, dir.path(), scale);
         const int runs = scale == 100 ? std::max(3, g_runs / 2) : g_runs;
         for (size_t c = 0; c < components.size(); ++c) {
@@ -265,15 +267,28 @@ void benchScaled() {
                 parse.push_back(timer.nsecsElapsed() / 1e6 / floor.back());
                 walk.push_back(ratio.back() - parse.back());
             }
-            loads[c].push_back(median(load));
             std::printf("%-20s %5d %7d %11.2f %11.2f %7.3f %7.3f %7.3f\n", component.name, scale,
                         int(list.size()), median(load), median(floor), median(ratio), median(parse),
                         median(walk));
         }
     }
+    // The growth from pairs of loads taken one right after the other, so that
+    // a machine that gets faster or slower between the tables above does not
+    // show as growth.
     std::printf("\ngrowth of the load from S = 10 to S = 100:");
-    for (size_t c = 0; c < components.size(); ++c)
-        std::printf("  %s %.2fx", components[c].name, loads[c][2] / loads[c][1]);
+    for (const Component& component : components) {
+        std::vector<double> growth;
+        for (int run = 0; run < std::max(3, g_runs / 2); ++run) {
+            QElapsedTimer timer;
+            timer.start();
+            std::shared_ptr<void> small = component.load(trees[1].path());
+            const double ten = double(timer.nsecsElapsed());
+            timer.start();
+            std::shared_ptr<void> large = component.load(trees[2].path());
+            growth.push_back(double(timer.nsecsElapsed()) / ten);
+        }
+        std::printf("  %s %.2fx", component.name, median(growth));
+    }
     std::printf("\n\n");
 }
 
