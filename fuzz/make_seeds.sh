@@ -92,7 +92,7 @@ EOF
     grep -rhoE '<[A-Za-z_][A-Za-z0-9_.-]*' "$config" | sed 's/^<//' | sort -u | sed 's/.*/"<&"/'
     grep -rhoE ' [A-Za-z_][A-Za-z0-9_.-]*="' "$config" | sed 's/^ //' | sort -u | sed 's/"$/\\"/;s/.*/"&"/'
     printf '%s\n' '"version=\"1.0\""' '"<!DOCTYPE"' '"<!ENTITY"' '"<![CDATA["' '"-->"' '"&amp;"'
-    # What tells the two DOM builders apart (see parse in common/document.cpp).
+    # What the scan before the parse must read as the parser does (common/document.cpp).
     printf '%s\n' '"&#x1F600;"' '"&#1;"' '"\x0D"' '"\x09"' '"<?xml "' '"?>"' '"]]>"' '"xmlns:p=\"u\""' '"p:"' \
         '"\xC2\xB7"' '"encoding=\"UTF-8\""'
 } >"$here/loaders.dict"
