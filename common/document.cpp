@@ -13,6 +13,7 @@
 #include <cstring>
 #include <new>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -510,6 +511,20 @@ bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, 
         return false;
     }
     return parseDocumentFile(path, loader, doc, error) && checkDocumentRoot(doc, loader, error);
+}
+
+QStringList undecodableNames(const QString& directory) {
+    QStringList names;
+    DIR* const dir = ::opendir(QFile::encodeName(directory).constData());
+    if (!dir) return names;
+    while (const dirent* entry = ::readdir(dir)) {
+        const QByteArray raw(entry->d_name);
+        const QString name = QFile::decodeName(raw);
+        if (QFile::encodeName(name) != raw) names << name + QLatin1String(entry->d_type == DT_DIR ? "/" : "");
+    }
+    ::closedir(dir);
+    names.sort();
+    return names;
 }
 
 bool prepareDirectory(const QString& path, const Loader& loader, QString& error) {

@@ -13,6 +13,9 @@
 
 #include <functional>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace LCD::ConfigModel;
 using DirectoryLoader = std::function<bool(const QString&, QString&)>;
 Q_DECLARE_METATYPE(DirectoryLoader)
@@ -309,6 +312,29 @@ private Q_SLOTS:
         const QString file = test::writeFile(dir, "plain.xml", "<Vrn/>");
         QVERIFY(!load(file, error));
         QCOMPARE(error, "Invalid file path!\n" + file);
+
+        // A name holding U+FFFD stands for bytes a listing could not decode:
+        // no folder is created under it.
+        const QString mangled = dir.filePath(QStringLiteral("m") + QChar(QChar::ReplacementCharacter));
+        QVERIFY(!load(mangled, error));
+        QCOMPARE(error, "Invalid file path!\n" + mangled);
+        QVERIFY(QDir(dir.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot) == QStringList({"a"}));
+
+        // A description file whose name cannot be decoded fails with its path.
+        if (QByteArray(QTest::currentDataTag()) == "prepareDirectory") return;
+        const bool registry = QByteArray(QTest::currentDataTag()) == "device registry";
+        const QString folder = dir.filePath(registry ? "list/29974" : "list");
+        QDir().mkpath(folder);
+        const QByteArray raw = QFile::encodeName(folder + "/x").append("\xff.xml");
+        const int fd = ::open(raw.constData(), O_CREAT | O_WRONLY, 0644);
+        QVERIFY(fd >= 0);
+        ::close(fd);
+        error.clear();
+        const bool ok = load(dir.filePath("list"), error);
+        ::unlink(raw.constData()); // QTemporaryDir removes by decoded names
+        QCOMPARE(ok, registry);
+        QCOMPARE(error, QStringLiteral("Fail to open file [%1]!")
+                            .arg(folder + "/x" + QChar(QChar::ReplacementCharacter) + ".xml"));
     }
 };
 
