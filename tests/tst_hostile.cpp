@@ -168,7 +168,7 @@ struct Kind {
     const char* sample;   // a shipped file of this kind, under share/config
     QString fileName;     // the name the hostile entry gets
     const char* subdir;   // directory kinds: where the entry sits below the loaded path
-    QStringList siblings; // element path from the root to the element repeated a million times
+    QStringList siblings; // element path from the root to the element repeated up to the limits
                           // (empty: no walk of its own)
     Load load;
     bool directory() const { return subdir != nullptr; }
