@@ -85,6 +85,13 @@ cat <<'EOF' | seed 2 entity-external.xml
 EOF
 { printf "<!DOCTYPE LCD [ <!-- ' --> ]><LCD>"; repeat '<MenuBar>' 300; repeat '</MenuBar>' 300; printf "</LCD><!-- ' ]> -->"; } |
     seed 7 doctype-quote.xml
+# At the structural limits: 257 attributes on an element, 17 namespace
+# declarations, an attribute-list declaration.
+{ printf '<Vrn><Device'; for i in $(seq 0 256); do printf ' a%d="%d"' "$i" "$i"; done; printf '/></Vrn>'; } |
+    seed 1 attributes-257.xml
+{ printf '<Vrn>'; for i in $(seq 0 16); do printf '<p:D xmlns:p="urn:%d"/>' "$i"; done; printf '</Vrn>'; } |
+    seed 3 namespaces-17.xml
+printf '<!DOCTYPE Vrn [<!ATTLIST Device Id CDATA "1">]><Vrn><Device/></Vrn>' | seed 4 attlist-default.xml
 
 # The dictionary: every element and attribute name of the shipped files.
 {
