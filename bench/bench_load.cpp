@@ -1,5 +1,5 @@
 // Load times of the shipped configuration, component by component, and the
-// cost of the nesting check that runs before every DOM parse.
+// cost of the scan for the structural limits that runs before every DOM parse.
 //
 //   bench_load <config directory> [runs]
 //
@@ -194,7 +194,7 @@ bool parseFloor(const QStringList& list) {
     return true;
 }
 
-// The loader's own document path on the same files (read, nesting check,
+// The loader's own document path on the same files (read, limits scan,
 // parse, no walk): what the load costs before its walk.
 bool parseOwn(const QStringList& list) {
     const Loader loader{kDeviceFile, nullptr, LCD_LOG_SITE};
@@ -382,7 +382,7 @@ QByteArray syntheticDocument(int bytes) {
     return doc + "</Subcards></Device></Vrn>\n";
 }
 
-void benchNesting() {
+void benchLimits() {
     QString largest;
     qint64 largestSize = -1;
     for (QDirIterator it(g_config, {QStringLiteral("*.xml")}, QDir::Files, QDirIterator::Subdirectories);
@@ -398,7 +398,12 @@ void benchNesting() {
         std::fprintf(stderr, "cannot read %s\n", qPrintable(largest));
         std::exit(1);
     }
-    const QByteArray synthetic = syntheticDocument(5 << 20);
+    const QByteArray synthetic = syntheticDocument(3 << 19); // in UTF-16 too, below the size limit
+    QByteArray attributes = "<e";
+    for (int i = 0; i < kMaxElementAttributes; ++i)
+        attributes += " a" + QByteArray::number(i) + "=\"\"";
+    attributes += "/>\n";
+    const QByteArray open = "<LCD version=\"1.0\"><LcdKeys>", close = "</LcdKeys></LCD>";
     const QByteArray synthetic16 = QTextCodec::codecForName("UTF-16")->fromUnicode(
         QString::fromUtf8(synthetic).replace(QLatin1String("UTF-8"), QLatin1String("UTF-16")));
 
@@ -411,12 +416,16 @@ void benchNesting() {
         {QDir(g_config).relativeFilePath(largest), file.readAll(), 50},
         {QStringLiteral("synthetic, UTF-8"), synthetic, 1},
         {QStringLiteral("synthetic, UTF-16"), synthetic16, 1},
+        {QStringLiteral("most attributes on every element"),
+         open + attributes.repeated(int((kMaxDocumentSize - 64) / attributes.size())) + close, 1},
+        {QStringLiteral("most elements"),
+         open + QByteArray("<e/>").repeated(kMaxDocumentElements - 2) + close, 1},
     };
 
     std::printf("%-36s %9s %11s %11s %7s\n", "document", "KiB", "check ms", "DOM ms", "check");
     for (const Row& row : rows) {
         const double check =
-            medianMs(row.iterations, [&] { return checkNesting(row.data, kMaxDocumentDepth, nullptr); });
+            medianMs(row.iterations, [&] { return checkLimits(row.data, DocumentLimits(), nullptr); });
         const double parse = medianMs(row.iterations, [&] {
             QDomDocument doc;
             return doc.setContent(row.data, true);
@@ -441,6 +450,6 @@ int main(int argc, char** argv) {
     benchScaled();
     if (qEnvironmentVariableIsSet("LCD_BENCH_SCALED_ONLY")) return 0;
     benchComponents();
-    benchNesting();
+    benchLimits();
     return 0;
 }

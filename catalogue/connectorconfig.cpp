@@ -308,8 +308,9 @@ bool ConnectorConfigManager::readConfig(const QString& path, QString& error) {
     if (!prepareDirectory(path, loader, error)) return false;
 
     const QDir dir(path);
-    const QStringList names =
-        dir.entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
+    QStringList names = dir.entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
+    for (const QString& name : undecodableNames(path)) // fail with their path, after the others
+        if (name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive)) names << name;
     for (const QString& name : names) {
         QDomDocument doc;
         if (!parseDocumentFile(dir.absoluteFilePath(name), loader, doc, error) ||

@@ -35,6 +35,12 @@ QStringList catalogueFiles(const QString& path) {
             level.entryInfoList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
         for (const QFileInfo& file : xmlFiles)
             files << file.absoluteFilePath();
+        // Names that cannot be decoded fail with their path; a folder only
+        // at the top, where sub-folders are read.
+        for (const QString& name : undecodableNames(level.path()))
+            if (name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive) ||
+                (dir == "." && name.endsWith('/')))
+                files << level.absoluteFilePath(name);
     }
     return files;
 }

@@ -6,11 +6,14 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLoggingCategory>
+#include <QtCore/QTextCodec>
 #include <QtCore/QXmlStreamReader>
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,19 +33,25 @@ const char kPathWithName[] = "Invalid file path!\n%1";
 const char kPathPlain[] = "Invalid file path!";
 
 QString tooLargeMessage() {
-    return QStringLiteral("the file is larger than %1 MiB; description files are read up to that size")
-        .arg(kMaxDocumentSize / (1024 * 1024));
+    constexpr qint64 kMiB = 1024 * 1024;
+    return kMaxDocumentSize % kMiB == 0
+               ? QStringLiteral("the file is larger than %1 MiB; description files are read up to that size")
+                     .arg(kMaxDocumentSize / kMiB)
+               : QStringLiteral(
+                     "the file is larger than %1 bytes; description files are read up to that size")
+                     .arg(kMaxDocumentSize);
 }
 
-QString nestingMessage() {
-    return QStringLiteral("element nesting is deeper than %1 levels; the file is rejected")
-        .arg(kMaxDocumentDepth);
+QString nestingMessage(int limit) {
+    return QStringLiteral("element nesting is deeper than %1 levels; the file is rejected").arg(limit);
 }
 
-// Start of a line and its 1-based number for a byte offset, counted only when
-// a violation is reported.
-NestingViolation positionOf(const char* begin, const char* at) {
-    NestingViolation where;
+const char kOutOfMemory[] = "not enough memory to read the file; the file is rejected";
+
+// Line and column (1-based, in characters) of a byte offset, counted only
+// when a violation is reported.
+LimitViolation positionOf(const char* begin, const char* at, const QString& reason) {
+    LimitViolation where;
     where.line = 1;
     const char* lineStart = begin;
     for (const char* p = begin; p < at; ++p) {
@@ -57,7 +66,7 @@ NestingViolation positionOf(const char* begin, const char* at) {
             ++column;
     }
     where.column = column;
-    where.reason = nestingMessage();
+    where.reason = reason;
     return where;
 }
 
@@ -74,86 +83,170 @@ const char* find(const char* from, const char* end, const char* what) {
     return end;
 }
 
-// The bytes a start or end tag may hold outside its quoted values for its
-// markup to count as plain: ASCII name characters, blanks, '=' and '/'.
-struct ByteSet {
-    bool has[256] = {};
+bool blank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+// What one start tag holds.
+struct Tag {
+    int attributes = 0;
+    int declarations = 0; // "xmlns" and "xmlns:p"
+    bool selfClosing = false;
 };
-constexpr ByteSet plainTagBytes() {
-    ByteSet set;
-    for (int c = 0; c < 256; ++c)
-        set.has[c] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-                     c == '-' || c == '.' || c == ':' || c == ' ' || c == '\t' || c == '\n' || c == '\r' ||
-                     c == '=' || c == '/';
-    return set;
-}
-constexpr ByteSet kPlainTag = plainTagBytes();
 
-bool plainByte(char c) {
-    return kPlainTag.has[static_cast<unsigned char>(c)];
-}
-
-// Whether the processing instruction from `p` (just past "<?") to `close`
-// (just past its "?>") is an XML declaration with plain bytes outside its
-// quoted values: the stream reader accepts instruction targets the classic
-// builder refuses.
-bool plainDeclaration(const char* p, const char* close) {
-    if (close - p < 6 || std::memcmp(close - 2, "?>", 2) != 0 || std::memcmp(p, "xml", 3) != 0 ||
-        (p[3] != ' ' && p[3] != '\t' && p[3] != '\n'))
-        return false;
-    char quote = 0;
-    for (p += 3; p < close - 2; ++p) {
-        if (quote) {
-            if (*p == quote) quote = 0;
-        } else if (*p == '"' || *p == '\'') {
-            quote = *p;
-        } else if (!plainByte(*p)) {
-            return false;
-        }
-    }
-    return !quote;
-}
-
-// Past the '>' that closes a tag, skipping quoted attribute values; `plain`
-// is cleared when the tag holds a byte outside kPlainTag, or a value a tab
-// or a line feed.
-const char* skipTag(const char* p, const char* end, bool* selfClosing, bool* plain) {
+// Past the '>' that closes a start tag (from just after its '<'), counting
+// its attributes (one per quoted value) and namespace declarations. Stops
+// early, at the end, once the attributes exceed `most`.
+const char* scanTag(const char* p, const char* end, int most, Tag* tag) {
+    const char* token = nullptr; // the name being read
+    const char* name = nullptr;  // the last complete name
+    size_t nameLength = 0;
     char previous = 0;
     while (p < end) {
         const char c = *p;
         if (c == '"' || c == '\'') {
+            if (++tag->attributes > most) return end;
+            if ((nameLength == 5 || (nameLength > 5 && name[5] == ':')) && std::memcmp(name, "xmlns", 5) == 0)
+                ++tag->declarations;
+            nameLength = 0;
             const char* const close = static_cast<const char*>(std::memchr(p + 1, c, size_t(end - p - 1)));
             if (!close) return end;
-            for (++p; p < close; ++p) // the builders normalise blanks in values differently
-                *plain = *plain && *p != '\t' && *p != '\n';
             p = close + 1;
             previous = c;
             continue;
         }
         if (c == '>') {
-            *selfClosing = previous == '/';
+            tag->selfClosing = previous == '/';
             return p + 1;
         }
-        *plain = *plain && plainByte(c);
+        if (blank(c) || c == '=' || c == '/') {
+            if (token) {
+                name = token;
+                nameLength = size_t(p - token);
+                token = nullptr;
+            }
+        } else if (!token) {
+            token = p;
+        }
         previous = c;
         ++p;
     }
     return end;
 }
 
-// Encodings that are not ASCII-compatible (UTF-16, UTF-32) cannot be scanned
-// byte by byte.
-bool asciiCompatible(const QByteArray& data) {
-    if (data.size() < 2) return true;
-    const unsigned char a = static_cast<unsigned char>(data[0]);
-    const unsigned char b = static_cast<unsigned char>(data[1]);
-    return !((a == 0xFE && b == 0xFF) || (a == 0xFF && b == 0xFE) || a == 0 || b == 0);
+// Past the '>' that ends a DOCTYPE (from its '!'): quoted literals are
+// skipped, and inside the internal subset comments and processing
+// instructions too, so that a quote in a comment ends nothing. `attlist` is
+// set to the first attribute-list declaration of the internal subset.
+const char* skipDoctype(const char* p, const char* end, const char** attlist) {
+    int subset = 0;
+    while (p < end) {
+        const char c = *p;
+        if (c == '"' || c == '\'') {
+            const char* const close = static_cast<const char*>(std::memchr(p + 1, c, size_t(end - p - 1)));
+            if (!close) return end;
+            p = close + 1;
+            continue;
+        }
+        if (subset > 0 && c == '<' && end - p >= 4 && std::memcmp(p, "<!--", 4) == 0) {
+            p = find(p + 4, end, "-->");
+            continue;
+        }
+        if (subset > 0 && c == '<' && end - p >= 2 && p[1] == '?') {
+            p = find(p + 2, end, "?>");
+            continue;
+        }
+        if (subset > 0 && c == '<' && end - p >= 9 && std::memcmp(p, "<!ATTLIST", 9) == 0 && !*attlist)
+            *attlist = p;
+        if (c == '[') ++subset;
+        if (c == ']') --subset;
+        if (c == '>' && subset <= 0) return p + 1;
+        ++p;
+    }
+    return end;
+}
+
+// The byte scan of a document whose markup is ASCII bytes: counts start
+// tags, attributes, namespace declarations and nesting, and skips comments,
+// CDATA sections, processing instructions, quoted values and the DOCTYPE.
+// `doctype` tells whether there was one.
+bool scanBytes(const QByteArray& data, const DocumentLimits& limits, LimitViolation* where,
+               DocumentShape* shape, bool* doctype) {
+    const char* const begin = data.constData();
+    const char* const end = begin + data.size();
+    const char* p = begin;
+    int depth = 0;
+    auto reject = [&](const char* at, const QString& reason) {
+        if (where) *where = positionOf(begin, at, reason);
+        return false;
+    };
+    while (p < end) {
+        const void* hit = std::memchr(p, '<', static_cast<size_t>(end - p));
+        if (!hit) break;
+        const char* const tag = static_cast<const char*>(hit);
+        p = tag + 1;
+        if (p >= end) break;
+        switch (*p) {
+        case '?':
+            p = find(p, end, "?>");
+            break;
+        case '!':
+            if (end - p >= 3 && p[1] == '-' && p[2] == '-') {
+                p = find(p + 3, end, "-->");
+            } else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0) {
+                p = find(p + 8, end, "]]>");
+            } else {
+                // Default values declared for attributes would add attributes
+                // the scan cannot count, compared pairwise by the parser.
+                const char* attlist = nullptr;
+                *doctype = true;
+                p = skipDoctype(p, end, &attlist);
+                if (attlist)
+                    return reject(attlist, QStringLiteral("attribute-list declarations are not accepted in "
+                                                          "description files"));
+            }
+            break;
+        case '/': {
+            --depth;
+            const char* const close =
+                static_cast<const char*>(std::memchr(p, '>', static_cast<size_t>(end - p)));
+            p = close ? close + 1 : end;
+            break;
+        }
+        default: {
+            shape->depth = qMax(shape->depth, ++depth);
+            if (depth > limits.depth) return reject(tag, nestingMessage(limits.depth));
+            if (++shape->elements > limits.elements)
+                return reject(tag, QStringLiteral("the file has more than %1 elements; the file is rejected")
+                                       .arg(limits.elements));
+            Tag counts;
+            p = scanTag(p, end, limits.attributes, &counts);
+            shape->attributes = qMax(shape->attributes, counts.attributes);
+            if (counts.attributes > limits.attributes)
+                return reject(tag, QStringLiteral("element has more than %1 attributes; the file is rejected")
+                                       .arg(limits.attributes));
+            shape->namespaceDeclarations += counts.declarations;
+            if (shape->namespaceDeclarations > limits.namespaceDeclarations)
+                return reject(tag,
+                              QStringLiteral("the file has more than %1 namespace declarations; the file "
+                                             "is rejected")
+                                  .arg(limits.namespaceDeclarations));
+            if (counts.selfClosing) --depth;
+            break;
+        }
+        }
+    }
+    return true;
 }
 
 // The encoding an XML declaration names, lower-case; empty when it names none.
 // `ok` is false when the name is not quoted.
-QByteArray declaredEncoding(const QByteArray& declaration, bool* ok) {
+QByteArray declaredEncoding(const QByteArray& data, bool* ok) {
     *ok = true;
+    const int start = data.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    if (data.size() < start + 5 || std::memcmp(data.constData() + start, "<?xml", 5) != 0)
+        return QByteArray();
+    const QByteArray declaration = data.mid(start, data.indexOf("?>", start) - start);
     const int at = declaration.indexOf("encoding");
     if (at < 0) return QByteArray();
     int from = at + 8;
@@ -165,27 +258,42 @@ QByteArray declaredEncoding(const QByteArray& declaration, bool* ok) {
     return *ok ? declaration.mid(from + 1, close - from - 1).toLower() : QByteArray();
 }
 
-// Whether the encoding named in an XML declaration writes '<', '>', '/' and
-// quotes as their ASCII bytes and never uses those bytes inside another
-// character. Anything else (UTF-7 spells markup as "+ADw-") is measured
-// by the stream reader.
-bool byteScannable(const QByteArray& declaration) {
+// The codec that turns `data` into text the byte scan can read, or null when
+// its markup already is ASCII bytes: UTF-16 and UTF-32 (by their byte-order
+// mark or the zero bytes of the first character), and a declared encoding
+// that may spell markup otherwise (UTF-7 writes '<' as "+ADw-"). An encoding
+// that no codec knows is scanned as it is; the parser refuses it.
+QTextCodec* decoderFor(const QByteArray& data) {
+    if (data.size() >= 4) {
+        const auto* b = reinterpret_cast<const unsigned char*>(data.constData());
+        const char* name = nullptr;
+        if ((b[0] == 0 && b[1] == 0 && b[2] == 0xFE && b[3] == 0xFF) || (b[0] == 0 && b[1] == 0 && b[2] == 0))
+            name = "UTF-32BE";
+        else if ((b[0] == 0xFF && b[1] == 0xFE && b[2] == 0 && b[3] == 0) ||
+                 (b[1] == 0 && b[2] == 0 && b[3] == 0))
+            name = "UTF-32LE";
+        else if ((b[0] == 0xFE && b[1] == 0xFF) || b[0] == 0)
+            name = "UTF-16BE";
+        else if ((b[0] == 0xFF && b[1] == 0xFE) || b[1] == 0)
+            name = "UTF-16LE";
+        if (name) return QTextCodec::codecForName(name);
+    }
     bool ok = false;
-    const QByteArray name = declaredEncoding(declaration, &ok);
-    if (!ok) return false;
-    if (name.isEmpty()) return true;
+    const QByteArray name = declaredEncoding(data, &ok);
+    if (!ok || name.isEmpty()) return nullptr;
     for (const char* safe : {"utf-8", "utf8", "us-ascii", "ascii", "iso-8859-", "latin", "windows-125",
                              "gb2312", "gbk", "gb18030", "big5"}) {
-        if (name.startsWith(safe)) return true;
+        if (name.startsWith(safe)) return nullptr;
     }
-    return false;
+    return QTextCodec::codecForName(name);
 }
 
-// The full reader, for documents the byte scanner does not handle: other
-// encodings and documents with a DOCTYPE. Entity declarations are refused
-// (an entity can carry markup that nests below the check), and so is
-// anything the reader cannot read.
-bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* where) {
+// Qt's stream reader over a document the byte scan cannot vouch for alone (a
+// DOCTYPE, another encoding): entity declarations are refused (an entity can
+// carry markup that nests below any check made before the parse), and so is
+// anything the reader cannot read. The byte scan has bounded the attributes
+// on each element, which the reader compares pairwise.
+bool readWithStreamReader(const QByteArray& data, const DocumentLimits& limits, LimitViolation* where) {
     QXmlStreamReader reader(data);
     int depth = 0;
     auto reject = [&](const QString& reason) {
@@ -199,7 +307,7 @@ bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* 
                 return reject(QStringLiteral("entity declarations are not accepted in description files"));
             break;
         case QXmlStreamReader::StartElement:
-            if (++depth > maxDepth) return reject(nestingMessage());
+            if (++depth > limits.depth) return reject(nestingMessage(limits.depth));
             break;
         case QXmlStreamReader::EndElement:
             --depth;
@@ -209,118 +317,6 @@ bool checkNestingStream(const QByteArray& data, int maxDepth, NestingViolation* 
         }
     }
     return reader.hasError() ? reject(reader.errorString()) : true;
-}
-
-// The nesting check. `plain` tells whether the byte scanner read the whole
-// document (no DOCTYPE, an ASCII-compatible encoding), every tag held only
-// plain bytes, and neither a CDATA section nor a processing instruction other
-// than the XML declaration was met.
-bool nestingWithin(const QByteArray& data, int maxDepth, NestingViolation* where, bool* plain) {
-    *plain = false;
-    if (!asciiCompatible(data)) return checkNestingStream(data, maxDepth, where);
-
-    const char* const begin = data.constData();
-    const char* const end = begin + data.size();
-    const char* const declaration = begin + (data.startsWith("\xEF\xBB\xBF") ? 3 : 0);
-    const char* p = begin;
-    int depth = 0;
-    bool plainSoFar = true;
-    while (p < end) {
-        const void* hit = std::memchr(p, '<', static_cast<size_t>(end - p));
-        if (!hit) break;
-        const char* const tag = static_cast<const char*>(hit);
-        p = tag + 1;
-        if (p >= end) break;
-        switch (*p) {
-        case '?': { // processing instruction or XML declaration
-            const char* const close = find(p, end, "?>");
-            if (tag == begin && !byteScannable(QByteArray::fromRawData(p, int(close - p))))
-                return checkNestingStream(data, maxDepth, where);
-            plainSoFar = plainSoFar && tag == declaration && plainDeclaration(p + 1, close);
-            p = close;
-            break;
-        }
-        case '!':
-            if (end - p >= 3 && p[1] == '-' && p[2] == '-') {
-                p = find(p + 3, end, "-->");
-            } else if (end - p >= 8 && std::memcmp(p, "![CDATA[", 8) == 0) {
-                p = find(p + 8, end, "]]>");
-                plainSoFar = false; // a blank CDATA section is kept by one builder only
-            } else {
-                // a DOCTYPE (or no markup at all): the full reader decides
-                return checkNestingStream(data, maxDepth, where);
-            }
-            break;
-        case '/': {
-            --depth;
-            const char* const close =
-                static_cast<const char*>(std::memchr(p, '>', static_cast<size_t>(end - p)));
-            for (p = p + 1; p < (close ? close : end); ++p)
-                plainSoFar = plainSoFar && plainByte(*p);
-            p = close ? close + 1 : end;
-            break;
-        }
-        default: {
-            if (++depth > maxDepth) {
-                if (where) *where = positionOf(begin, tag);
-                return false;
-            }
-            bool selfClosing = false;
-            p = skipTag(p, end, &selfClosing, &plainSoFar);
-            if (selfClosing) --depth;
-            break;
-        }
-        }
-    }
-    *plain = plainSoFar;
-    return true;
-}
-
-// Whether `data` holds a C0 control other than tab and line feed. Controls
-// are not XML: the classic builder refuses them, the stream reader does not
-// always; a carriage return is kept by the classic builder and turned into a
-// line feed by the other. Eight bytes at a time: a word without a byte below
-// 0x20 is passed over at once.
-bool hasControl(const QByteArray& data) {
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(data.constData());
-    const size_t size = size_t(data.size());
-    const auto control = [](unsigned char c) { return c < 0x20 && c != '\t' && c != '\n'; };
-    size_t i = 0;
-    for (; i + 8 <= size; i += 8) {
-        quint64 word;
-        std::memcpy(&word, bytes + i, 8);
-        constexpr quint64 kOnes = 0x0101010101010101ULL;
-        if (((word - kOnes * 0x20) & ~word & (kOnes * 0x80)) == 0) continue; // every byte >= 0x20
-        for (size_t k = i; k < i + 8; ++k)
-            if (control(bytes[k])) return true;
-    }
-    for (; i < size; ++i)
-        if (control(bytes[i])) return true;
-    return false;
-}
-
-// Plain markup (see nestingWithin) in UTF-8 without control characters,
-// carriage returns or character references, with an XML declaration, if
-// any, naming UTF-8 or no encoding: documents the stream builder reads into
-// the same tree as the classic builder. Outside them it accepts what the
-// classic builder refuses (attribute names with '^' or '~', names with
-// non-ASCII punctuation, control characters) or normalises blanks
-// differently.
-bool plainUtf8(const QByteArray& data, bool plainMarkup) {
-    if (!plainMarkup) return false;
-    if (hasControl(data)) return false;
-    // Character references: the classic builder drops one to a character
-    // beyond U+FFFF and keeps one to a control character or U+FFFF.
-    const char* const end = data.constData() + data.size();
-    for (const char* p = data.constData();
-         (p = static_cast<const char*>(std::memchr(p, '&', size_t(end - p)))); ++p)
-        if (p + 1 < end && p[1] == '#') return false;
-    const int start = data.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    if (data.size() < start + 5 || std::memcmp(data.constData() + start, "<?xml", 5) != 0) return true;
-    const int close = data.indexOf("?>", start);
-    bool ok = false;
-    const QByteArray name = declaredEncoding(data.mid(start, close < 0 ? -1 : close - start), &ok);
-    return ok && (name.isEmpty() || name == "utf-8");
 }
 
 } // namespace
@@ -341,40 +337,48 @@ QString Loader::invalidNode(const QString& tag) const {
     return text("Invalid [%1] node.").arg(tag);
 }
 
-bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where) {
-    bool plain = false;
-    return nestingWithin(data, maxDepth, where, &plain);
+bool checkLimits(const QByteArray& data, const DocumentLimits& limits, LimitViolation* where,
+                 DocumentShape* shape) {
+    DocumentShape counted;
+    if (!shape) shape = &counted;
+    *shape = DocumentShape();
+    if (data.size() > kMaxDocumentSize) {
+        if (where) *where = {0, 0, tooLargeMessage()};
+        return false;
+    }
+    QTextCodec* const decoder = decoderFor(data);
+    bool doctype = false;
+    if (!scanBytes(decoder ? decoder->toUnicode(data).toUtf8() : data, limits, where, shape, &doctype))
+        return false;
+    return (doctype || decoder) ? readWithStreamReader(data, limits, where) : true;
 }
 
 namespace {
 
 // Parses `data`; on failure `error` holds the family's parse text and
-// `line`/`column` where the parser (or the nesting check) stopped.
+// `line`/`column` where the parser (or the scan before it) stopped.
 bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error, int& line,
            int& column) {
-    NestingViolation where;
-    bool plain = false;
-    if (!nestingWithin(data, kMaxDocumentDepth, &where, &plain)) {
-        line = where.line;
-        column = where.column;
-        error = loader.text(kParseError)
-                    .arg(QString::number(where.line), QString::number(where.column), where.reason);
-        return false;
-    }
-    // Plain UTF-8 goes through QDom's builder over the stream reader, which
-    // builds the same tree faster. Anything else, and any document that
-    // builder refuses, goes through the classic builder, whose verdict, error
-    // text and position are the ones reported.
-    if (plainUtf8(data, plain)) {
-        QXmlStreamReader reader(data);
-        if (doc.setContent(&reader, true)) return true;
-    }
+    LimitViolation where;
     QString message;
-    if (!doc.setContent(data, true, &message, &line, &column)) {
-        error = loader.text(kParseError).arg(QString::number(line), QString::number(column), message);
-        return false;
+    try {
+        if (!checkLimits(data, DocumentLimits(), &where)) {
+            line = where.line;
+            column = where.column;
+            message = where.reason;
+        } else if (doc.setContent(data, true, &message, &line, &column)) {
+            return true;
+        }
+    } catch (const std::bad_alloc&) {
+        // The parser's partial tree is freed as far as it can be; the next
+        // load starts afresh.
+        doc.clear();
+        line = 0;
+        column = 0;
+        message = QString::fromLatin1(kOutOfMemory);
     }
-    return true;
+    error = loader.text(kParseError).arg(QString::number(line), QString::number(column), message);
+    return false;
 }
 
 void reportParsed(const QString& path, bool ok, const QString& error, int line, int column,
@@ -404,7 +408,7 @@ bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocumen
 
 namespace {
 
-enum class ReadResult { Ok, OpenFailed, TooLarge };
+enum class ReadResult { Ok, OpenFailed, TooLarge, OutOfMemory };
 
 // Closes the descriptor whatever way the read ends.
 struct Descriptor {
@@ -458,7 +462,13 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
     int line = 0;
     int column = 0;
     bool ok = false;
-    switch (readBounded(path, data)) {
+    ReadResult read = ReadResult::OutOfMemory;
+    try {
+        read = readBounded(path, data);
+    } catch (const std::bad_alloc&) {
+        data.clear();
+    }
+    switch (read) {
     case ReadResult::OpenFailed:
         if (loader.family.debugOnOpenFailure)
             QMessageLogger(loader.site.file, loader.site.line, loader.site.function).debug().noquote()
@@ -467,6 +477,10 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
         break;
     case ReadResult::TooLarge:
         error = loader.text(kParseError).arg(QStringLiteral("0"), QStringLiteral("0"), tooLargeMessage());
+        break;
+    case ReadResult::OutOfMemory:
+        error = loader.text(kParseError)
+                    .arg(QStringLiteral("0"), QStringLiteral("0"), QString::fromLatin1(kOutOfMemory));
         break;
     case ReadResult::Ok:
         ok = parse(data, loader, doc, error, line, column);
@@ -499,8 +513,26 @@ bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, 
     return parseDocumentFile(path, loader, doc, error) && checkDocumentRoot(doc, loader, error);
 }
 
+QStringList undecodableNames(const QString& directory) {
+    QStringList names;
+    DIR* const dir = ::opendir(QFile::encodeName(directory).constData());
+    if (!dir) return names;
+    while (const dirent* entry = ::readdir(dir)) {
+        const QByteArray raw(entry->d_name);
+        const QString name = QFile::decodeName(raw);
+        if (QFile::encodeName(name) != raw) names << name + QLatin1String(entry->d_type == DT_DIR ? "/" : "");
+    }
+    ::closedir(dir);
+    names.sort();
+    return names;
+}
+
 bool prepareDirectory(const QString& path, const Loader& loader, QString& error) {
-    if (path.isEmpty() || (!QDir(path).exists() && !QDir().mkpath(path)) || !QFileInfo(path).isDir()) {
+    // U+FFFD stands for bytes a listing could not decode: creating the folder
+    // would make a new one under another name.
+    const bool mangled = path.contains(QChar(QChar::ReplacementCharacter));
+    if (path.isEmpty() || (!QDir(path).exists() && (mangled || !QDir().mkpath(path))) ||
+        !QFileInfo(path).isDir()) {
         error = loader.text(kPathWithName).arg(path);
         return false;
     }

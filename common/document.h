@@ -52,16 +52,53 @@ struct LCD_CONFIGMODEL_EXPORT Loader {
     QString invalidNode(const QString& tag) const;
 };
 
-// Documents nested deeper than this are rejected before a DOM is built.
-constexpr int kMaxDocumentDepth = 256;
+// The structural limits of a description file. A file past one is rejected
+// before a DOM is built, in the parse-error form with the position of the
+// offending start tag (the size: line 0, column 0, before a byte is read).
+// They bound what a load costs in time and memory; each is a build option
+// (CMake LCD_MAX_...), and the defaults are far above any real description
+// file (the shipped ones are 2 to 40 KiB, with at most a dozen attributes on
+// an element and no namespace declaration).
+#ifndef LCD_MAX_FILE_BYTES
+#define LCD_MAX_FILE_BYTES 4194304
+#endif
+#ifndef LCD_MAX_ELEMENTS
+#define LCD_MAX_ELEMENTS 250000
+#endif
+#ifndef LCD_MAX_ATTRIBUTES
+#define LCD_MAX_ATTRIBUTES 256
+#endif
+#ifndef LCD_MAX_NAMESPACE_DECLARATIONS
+#define LCD_MAX_NAMESPACE_DECLARATIONS 16
+#endif
+#ifndef LCD_MAX_NESTING
+#define LCD_MAX_NESTING 256
+#endif
 
-// Only regular files of at most this many bytes are read; a larger one is
-// rejected before it is read, with the parse-error text at line 0, column 0.
-constexpr qint64 kMaxDocumentSize = qint64(64) * 1024 * 1024;
+// Only regular files of at most this many bytes are read.
+constexpr qint64 kMaxDocumentSize = LCD_MAX_FILE_BYTES;
+// Start tags in one file.
+constexpr int kMaxDocumentElements = LCD_MAX_ELEMENTS;
+// Attributes on one element, namespace declarations included.
+constexpr int kMaxElementAttributes = LCD_MAX_ATTRIBUTES;
+// Namespace declarations ("xmlns", "xmlns:p") in one file: the parser's cost
+// per end tag grows with the square of the prefixes in scope.
+constexpr int kMaxNamespaceDeclarations = LCD_MAX_NAMESPACE_DECLARATIONS;
+// Levels of element nesting.
+constexpr int kMaxDocumentDepth = LCD_MAX_NESTING;
 
-// Full single-file load: path check, open, nesting check, parse (namespace
+struct DocumentLimits {
+    int depth = kMaxDocumentDepth;
+    int elements = kMaxDocumentElements;
+    int attributes = kMaxElementAttributes;
+    int namespaceDeclarations = kMaxNamespaceDeclarations;
+};
+
+// Full single-file load: path check, open, limits, parse (namespace
 // processing on), root name, optional "version" equal to "1.0". Returns false
-// with `error` overwritten at the first failure; `error` is untouched on success.
+// with `error` overwritten at the first failure; `error` is untouched on
+// success. Running out of memory while reading or parsing is a failure too,
+// in the parse-error form at line 0, column 0; nothing is thrown.
 LCD_CONFIGMODEL_EXPORT bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc,
                                          QString& error);
 
@@ -73,25 +110,47 @@ LCD_CONFIGMODEL_EXPORT bool parseDocumentFile(const QString& path, const Loader&
 // Root name and "version" of an already parsed document.
 LCD_CONFIGMODEL_EXPORT bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& error);
 
-// Parses bytes that are already in memory (nesting check included).
+// Parses bytes that are already in memory (limits checked, the size included).
 LCD_CONFIGMODEL_EXPORT bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocument& doc,
                                               QString& error);
 
 // Prologue of the directory-scanning loaders: an empty path fails, a missing
-// directory is created with its parents. Error text "Invalid file path!\n%1".
+// directory is created with its parents, unless its name holds a character
+// that stands for bytes the file-name encoding could not decode (U+FFFD):
+// no folder is created under a mangled name. Error text "Invalid file path!\n%1".
 LCD_CONFIGMODEL_EXPORT bool prepareDirectory(const QString& path, const Loader& loader, QString& error);
 
-// Depth of element nesting in raw XML, without building anything. Returns
-// false when an element lies deeper than maxDepth, with the 1-based line and
-// column of its start tag. Plain UTF-8 (or Latin) documents are scanned byte
-// by byte; documents with a DOCTYPE or another encoding go through Qt's
-// stream reader, which also refuses entity declarations and unreadable input.
-struct NestingViolation {
-    int line = 0;
+// Entries of `directory` whose names the file-name encoding cannot decode:
+// decoded, they hold U+FFFD and name nothing that can be opened, so a
+// listing by name leaves them out. A folder's name ends with '/'. The
+// directory loaders add them to what they read, so that such a file fails
+// with its path text instead of vanishing.
+LCD_CONFIGMODEL_EXPORT QStringList undecodableNames(const QString& directory);
+
+// What the scan before the parse counted, up to where it stopped.
+struct DocumentShape {
+    int depth = 0;                 // deepest nesting
+    int elements = 0;              // start tags
+    int attributes = 0;            // most attributes on one element
+    int namespaceDeclarations = 0; // in the whole file
+};
+
+// Where and why a document breaks a limit (or cannot be read at all).
+struct LimitViolation {
+    int line = 0; // 1-based
     int column = 0;
     QString reason;
 };
-LCD_CONFIGMODEL_EXPORT bool checkNesting(const QByteArray& data, int maxDepth, NestingViolation* where);
+
+// The scan that runs before every parse, without building anything: false
+// when the document goes past one of `limits`, with the 1-based line and
+// column of the offending start tag. Documents are scanned byte by byte as
+// UTF-8 (UTF-16, UTF-32 and encodings that do not write markup as ASCII
+// bytes are decoded first); one with a DOCTYPE or another encoding is then
+// also read by Qt's stream reader, which refuses entity declarations and
+// unreadable input.
+LCD_CONFIGMODEL_EXPORT bool checkLimits(const QByteArray& data, const DocumentLimits& limits,
+                                        LimitViolation* where, DocumentShape* shape = nullptr);
 
 } // namespace ConfigModel
 } // namespace LCD

@@ -47,13 +47,17 @@ bool readPart(bool (Parser::*parse)(const QDomDocument&, QString&, Record&), con
 void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QString& error) {
     // Every visible entry named "*.xml" in any case, in directory order (what
     // QDir's "*.xml" filter keeps, without its wildcard expression).
-    QDirIterator entries(dir.path(), QDir::AllEntries | QDir::NoDotAndDotDot);
-    while (entries.hasNext()) {
-        entries.next();
-        const QString name = entries.fileName();
+    // Names that cannot be decoded are read too, and fail with their path.
+    QStringList files;
+    for (QDirIterator entries(dir.path(), QDir::AllEntries | QDir::NoDotAndDotDot); entries.hasNext();)
+        files << entries.next();
+    for (const QString& name : undecodableNames(dir.path()))
+        files << dir.filePath(name);
+    for (const QString& file : files) {
+        const QString name = QFileInfo(file).fileName();
         if (!name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive)) continue;
         QDomDocument doc;
-        if (!parseDocumentFile(entries.filePath(), loader, doc, error)) continue;
+        if (!parseDocumentFile(file, loader, doc, error)) continue;
 
         if (name.contains(QLatin1String("feature"))) {
             Feature::s_DeviceFeature feature;

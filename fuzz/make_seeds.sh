@@ -85,6 +85,13 @@ cat <<'EOF' | seed 2 entity-external.xml
 EOF
 { printf "<!DOCTYPE LCD [ <!-- ' --> ]><LCD>"; repeat '<MenuBar>' 300; repeat '</MenuBar>' 300; printf "</LCD><!-- ' ]> -->"; } |
     seed 7 doctype-quote.xml
+# At the structural limits: 257 attributes on an element, 17 namespace
+# declarations, an attribute-list declaration.
+{ printf '<Vrn><Device'; for i in $(seq 0 256); do printf ' a%d="%d"' "$i" "$i"; done; printf '/></Vrn>'; } |
+    seed 1 attributes-257.xml
+{ printf '<Vrn>'; for i in $(seq 0 16); do printf '<p:D xmlns:p="urn:%d"/>' "$i"; done; printf '</Vrn>'; } |
+    seed 3 namespaces-17.xml
+printf '<!DOCTYPE Vrn [<!ATTLIST Device Id CDATA "1">]><Vrn><Device/></Vrn>' | seed 4 attlist-default.xml
 
 # The dictionary: every element and attribute name of the shipped files.
 {
@@ -92,7 +99,7 @@ EOF
     grep -rhoE '<[A-Za-z_][A-Za-z0-9_.-]*' "$config" | sed 's/^<//' | sort -u | sed 's/.*/"<&"/'
     grep -rhoE ' [A-Za-z_][A-Za-z0-9_.-]*="' "$config" | sed 's/^ //' | sort -u | sed 's/"$/\\"/;s/.*/"&"/'
     printf '%s\n' '"version=\"1.0\""' '"<!DOCTYPE"' '"<!ENTITY"' '"<![CDATA["' '"-->"' '"&amp;"'
-    # What tells the two DOM builders apart (see parse in common/document.cpp).
+    # What the scan before the parse must read as the parser does (common/document.cpp).
     printf '%s\n' '"&#x1F600;"' '"&#1;"' '"\x0D"' '"\x09"' '"<?xml "' '"?>"' '"]]>"' '"xmlns:p=\"u\""' '"p:"' \
         '"\xC2\xB7"' '"encoding=\"UTF-8\""'
 } >"$here/loaders.dict"

@@ -8,12 +8,19 @@
 
 #include "testutil.h"
 
+#include <cstdio>
+
 namespace {
 
 using test::lcdcfg;
 using test::Run;
 
 // Plants a fault in `path` (see plantedFaults).
+// `path` renamed to `to`, the new name as bytes, percent-encoded.
+QByteArray renamed(const QString& path, const QString& to) {
+    return QFile::encodeName(QFileInfo(path).path()) + '/' + QByteArray::fromPercentEncoding(to.toLatin1());
+}
+
 void plant(const QString& path, const QString& from, const QString& to) {
     if (from == "mkdir") {
         QVERIFY(QDir().mkpath(path));
@@ -21,6 +28,10 @@ void plant(const QString& path, const QString& from, const QString& to) {
     }
     if (from == "*") {
         QVERIFY(QFileInfo(path).isDir() ? QDir(path).removeRecursively() : QFile::remove(path));
+        return;
+    }
+    if (from == "rename") {
+        QVERIFY(::rename(QFile::encodeName(path).constData(), renamed(path, to).constData()) == 0);
         return;
     }
     QFile file(path);
@@ -140,6 +151,8 @@ private Q_SLOTS:
         row("current device missing", "device/29974", "*", "", {"device:0:current-device-missing"}, 1);
         row("empty model folder warns", "device/12345", "mkdir", "", {"device/12345:0:model-dir-empty"}, 0);
         row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);
+        row("card file named with undecodable bytes", "subcard/2102_dvi_4in.xml", "rename",
+            "0000%FF%FE_card.xml", {"subcard/0000\\xff\\xfe_card.xml:0:undecodable-name"}, 1);
         row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>", {"ui/checklist.xml:1:load"}, 1);
         row("missing HDR file warns", "func/hdr/lcdhdrinputconfig.xml", "*", "",
             {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
@@ -164,6 +177,9 @@ private Q_SLOTS:
         const QStringList before = listing(config);
         const Run run = lcdcfg({"check", "--json", config});
         QCOMPARE(listing(config), before);
+        if (from == "rename") // QTemporaryDir removes by decoded names
+            ::rename(renamed(config + "/" + file, to).constData(),
+                     QFile::encodeName(config + "/" + file).constData());
         QStringList reported;
         for (const QJsonValue& p : QJsonDocument::fromJson(run.out.toUtf8())["problems"].toArray())
             reported << QString("%1:%2:%3")

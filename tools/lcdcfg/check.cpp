@@ -14,6 +14,7 @@
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/rules.h"
 #include "tools/lcdcfg/trace.h"
+#include "tools/lcdcfg/undecodable.h"
 
 namespace lcdcfg {
 
@@ -217,6 +218,7 @@ void checkTree(Tree& tree, const Trace& trace, Problems& problems) {
     run.lostCards = checkEachFile(tree, Part::Cards, trace, problems);
     run.lostConnectorTypes = checkEachFile(tree, Part::Connectors, trace, problems);
     checkMenuTree(tree, problems);
+    addUndecodableNames(tree.root(), problems);
     runRules(run);
     problems.sort();
 }
