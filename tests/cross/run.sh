@@ -65,8 +65,8 @@ readelf -h "$tree/tools/lcdcfg" | grep -qE "Machine: +$machine\$" \
 # Under emulation: every test but the browser's; timeouts are scaled in the tree.
 (cd "$tree" && ctest --output-on-failure -j "$jobs" -LE browser)
 
-"$native/tools/lcdcfg" dump --json share/config >"$tree/dump-native.json"
-$qemu -L / "$tree/tools/lcdcfg" dump --json share/config >"$tree/dump-$arch.json"
+"$native/tools/lcdcfg" dump --json --root share/config >"$tree/dump-native.json"
+$qemu -L / "$tree/tools/lcdcfg" dump --json --root share/config >"$tree/dump-$arch.json"
 if ! cmp -s "$tree/dump-native.json" "$tree/dump-$arch.json"; then
     echo "test-cross: lcdcfg dump --json of share/config differs on $arch:" >&2
     diff -u "$tree/dump-native.json" "$tree/dump-$arch.json" | head -40 >&2
