@@ -4,8 +4,9 @@
 # and a Debug tree with ASan + UBSan (build-asan/), then the thread test under
 # TSan (build-tsan/); warnings are errors in all three.
 PACKAGES := cmake g++ make qtbase5-dev pkg-config
-# Only the tests need these: the report is rendered in a real browser.
-TEST_PACKAGES := chromium-headless-shell
+# Only the tests need these: the report is rendered in a real browser; the
+# public ABI is checked with libabigail on patched copies of the headers.
+TEST_PACKAGES := chromium-headless-shell abigail-tools patch
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 CONFIG   := share/config
@@ -16,7 +17,8 @@ CONFIGURE = out=$$(cmake -S . $(LAUNCHER) $(1) 2>&1) || { echo "$$out"; exit 1; 
 
 MAKEFLAGS += --no-print-directory
 
-.PHONY: all deps test-deps configure build build-release build-asan build-tsan demo test test-plain test-asan test-tsan bench fuzz clean
+.PHONY: all deps test-deps configure build build-release build-asan build-tsan demo test test-plain test-asan test-tsan \
+        test-qt6 test-cross abi-baseline bench fuzz clean
 
 all: build
 
@@ -75,6 +77,25 @@ test-tsan: build-tsan
 
 test: test-plain test-asan test-tsan
 
+# The second build: against Qt 6 (Debian's qt6-base-dev), in build-qt6/.
+test-qt6:
+	@$(MAKE) deps PACKAGES="$(PACKAGES) qt6-base-dev $(TEST_PACKAGES)"
+	@$(call CONFIGURE,-B build-qt6 -DCMAKE_BUILD_TYPE=Release -DLCD_WERROR=ON -DQT_MAJOR_VERSION=6)
+	cmake --build build-qt6 -j $(JOBS)
+	cd build-qt6 && ctest --output-on-failure -j $(JOBS)
+
+# An ARM target under qemu-user, CROSS=arm64 (default) or armhf, in
+# build-cross-<arch>/ (tests/cross/run.sh). Not part of `make test`: slow.
+CROSS ?= arm64
+test-cross:
+	JOBS=$(JOBS) tests/cross/run.sh $(CROSS)
+
+# Renews tests/abi/baseline.abi from include/, on purpose only (docs/api.md,
+# "ABI"); commit the new baseline with the change that needs it.
+abi-baseline: test-deps
+	@$(call CONFIGURE,-B build-release -DCMAKE_BUILD_TYPE=Release -DLCD_WERROR=ON)
+	cmake --build build-release --target abi-baseline
+
 bench: configure
 	cmake --build build -j $(JOBS) --target bench_load
 	./build/bench/bench_load $(CONFIG)
@@ -103,4 +124,4 @@ fuzz:
 	done
 
 clean:
-	rm -rf build build-release build-asan build-tsan build-fuzz
+	rm -rf build build-release build-asan build-tsan build-fuzz build-qt6 build-cross-*

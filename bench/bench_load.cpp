@@ -37,7 +37,6 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
-#include <QtCore/QTextCodec>
 
 #include <algorithm>
 #include <cstdio>
@@ -404,8 +403,11 @@ void benchLimits() {
         attributes += " a" + QByteArray::number(i) + "=\"\"";
     attributes += "/>\n";
     const QByteArray open = "<LCD version=\"1.0\"><LcdKeys>", close = "</LcdKeys></LCD>";
-    const QByteArray synthetic16 = QTextCodec::codecForName("UTF-16")->fromUnicode(
-        QString::fromUtf8(synthetic).replace(QLatin1String("UTF-8"), QLatin1String("UTF-16")));
+    // UTF-16 in the machine's byte order after a byte-order mark (Qt 6 has no
+    // QTextCodec in Core).
+    const QString text16 = QChar(QChar::ByteOrderMark) + QString::fromUtf8(synthetic).replace(
+                                                             QLatin1String("UTF-8"), QLatin1String("UTF-16"));
+    const QByteArray synthetic16(reinterpret_cast<const char*>(text16.utf16()), int(text16.size()) * 2);
 
     struct Row {
         QString name;

@@ -240,7 +240,7 @@ void queryMenu(const QString& file) {
         keys << child->key;
     for (const s_MenuFCItem* item : m.menuFCItems())
         keys << item->key;
-    for (int i = 0; i < std::min(keys.size(), int(kQueried)); ++i) {
+    for (int i = 0; i < std::min(int(keys.size()), int(kQueried)); ++i) {
         const int key = keys[i];
         keep(m.findMenuItem(key) != nullptr);
         keep(static_cast<size_t>(m.findChidItemsByKey(key).size()));

@@ -175,7 +175,8 @@ private Q_SLOTS:
         row("malformed file sets the error, the load goes on",
             {{"29974/a_slot.xml", "<Vrn>"}, {"29974/b_layer.xml", vrn(layers(1))}},
             "29974 en= cross=-1 screens= layers=1 cards=", {},
-            "Parse error at line 1, column 6:\nunexpected end of file");
+            test::byQt("Parse error at line 1, column 6:\nunexpected end of file",
+                       "Parse error at line 1, column 5:\nPremature end of document."));
         row("entry that cannot be opened sets the error", {{"29974/folder.xml/", {}}}, nothing, {},
             "Fail to open file [%1/29974/folder.xml]!");
         row("non-fatal screen problem is no warning", {{"29974/a_screen.xml", vrn(screens(2))}},

@@ -209,12 +209,15 @@ private Q_SLOTS:
         QTemporaryDir dir;
         const QString config = test::shippedCopy(dir, "share/config");
         plant(config + "/device/29974/29974_slot.xml", "ModuleId=\"2104\"", "ModuleId=\"2105\"");
-        plant(config + "/subcard/2103_dp12_2in.xml", "", "<Vrn version=\"1.0\">");
+        plant(config + "/subcard/2103_dp12_2in.xml", "", "<Vrn version=\"1.0\"></Vrm>");
         plant(config + "/subcard/2102_dvi_4in.xml", "<en>4-port DVI input card</en>", "<en></en>");
         plant(config + "/menu/menuitems.xml", "Key=\"101\"", "Key=\"999\"");
         const Run run = lcdcfg(QStringList{"check"} + options + QStringList{config});
         QCOMPARE(run.code, 1);
-        test::compareGolden(golden, run.out.toUtf8());
+        // The parser's text is Qt 5's in the golden (tst_document pins Qt 6's).
+        const QString out =
+            test::byQt(run.out, QString(run.out).replace("Opening and ending tag mismatch.", "tag mismatch"));
+        test::compareGolden(golden, out.toUtf8());
     }
 
     void usageErrors_data() {

@@ -72,7 +72,8 @@ private Q_SLOTS:
             {"empty path", "", "Invalid file path!\n"},
             {"missing file", absent, "Fail to open file [" + absent + "]!"},
             {"not well-formed", write("<LCD><MenuBar></LCD>", ""),
-             "Parse error at line 1, column 20:\ntag mismatch"},
+             test::byQt("Parse error at line 1, column 20:\ntag mismatch",
+                        "Parse error at line 1, column 20:\nOpening and ending tag mismatch.")},
             {"root differs in case", write("<lcd/>", ""),
              "The file is not a valid configuration file for device."},
         };

@@ -8,6 +8,9 @@ function(run)
     set(out "${out}" PARENT_SCOPE)
 endfunction()
 
+# Cross-compiled, every program of the installed tree runs under the emulator.
+separate_arguments(emulator UNIX_COMMAND "${EMULATOR}")
+
 set(prefix ${WORK}/prefix)
 
 if(STEP STREQUAL "install")
@@ -25,12 +28,12 @@ if(STEP STREQUAL "install")
         endif()
     endforeach()
     # The installed tool finds the installed plug-in beside it.
-    run(${prefix}/bin/lcdcfg plugin)
+    run(${emulator} ${prefix}/bin/lcdcfg plugin)
     string(FIND "${out}" "${prefix}/lib/" at)
     if(at EQUAL -1)
         message(FATAL_ERROR "installed lcdcfg does not load the installed plug-in:\n${out}")
     endif()
-    run(${prefix}/bin/lcdcfg check --config ${prefix}/${CONFIGDIR})
+    run(${emulator} ${prefix}/bin/lcdcfg check --config ${prefix}/${CONFIGDIR})
     return()
 endif()
 
@@ -61,6 +64,11 @@ set(args -S ${HOST_SOURCE} -B ${build} -DCMAKE_CXX_COMPILER=${CXX} "-DCMAKE_CXX_
 if(LAUNCHER)
     list(APPEND args -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER})
 endif()
+if(TOOLCHAIN)
+    list(APPEND args -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
+    # pkg-config must find the target's Qt, not the build machine's.
+    set(ENV{PKG_CONFIG_LIBDIR} ${TARGET_LIBDIR}/pkgconfig:/usr/share/pkgconfig)
+endif()
 if(STEP STREQUAL "find_package")
     unset(ENV{PKG_CONFIG_PATH})
     run(${CMAKE_COMMAND} ${args} -DCMAKE_PREFIX_PATH=${prefix})
@@ -70,7 +78,7 @@ else()
 endif()
 run(${CMAKE_COMMAND} --build ${build})
 
-execute_process(COMMAND ${build}/host ${prefix}/lib/liblcdconfigmodelplugin.so ${prefix}/${CONFIGDIR}
+execute_process(COMMAND ${emulator} ${build}/host ${prefix}/lib/liblcdconfigmodelplugin.so ${prefix}/${CONFIGDIR}
     WORKING_DIRECTORY ${prefix}/bin RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
 file(READ ${EXPECTED} expected)
 if(NOT rc EQUAL 0 OR NOT out STREQUAL expected)
