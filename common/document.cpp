@@ -6,7 +6,11 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLoggingCategory>
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+#include <QtCore/QStringDecoder>
+#else
 #include <QtCore/QTextCodec>
+#endif
 #include <QtCore/QXmlStreamReader>
 
 #include <cerrno>
@@ -258,12 +262,12 @@ QByteArray declaredEncoding(const QByteArray& data, bool* ok) {
     return *ok ? declaration.mid(from + 1, close - from - 1).toLower() : QByteArray();
 }
 
-// The codec that turns `data` into text the byte scan can read, or null when
-// its markup already is ASCII bytes: UTF-16 and UTF-32 (by their byte-order
+// The encoding to decode `data` from before the byte scan can read it, or
+// empty when its markup already is ASCII bytes: UTF-16 and UTF-32 (by their byte-order
 // mark or the zero bytes of the first character), and a declared encoding
 // that may spell markup otherwise (UTF-7 writes '<' as "+ADw-"). An encoding
 // that no codec knows is scanned as it is; the parser refuses it.
-QTextCodec* decoderFor(const QByteArray& data) {
+QByteArray encodingToDecode(const QByteArray& data) {
     if (data.size() >= 4) {
         const auto* b = reinterpret_cast<const unsigned char*>(data.constData());
         const char* name = nullptr;
@@ -276,16 +280,32 @@ QTextCodec* decoderFor(const QByteArray& data) {
             name = "UTF-16BE";
         else if ((b[0] == 0xFF && b[1] == 0xFE) || b[1] == 0)
             name = "UTF-16LE";
-        if (name) return QTextCodec::codecForName(name);
+        if (name) return name;
     }
     bool ok = false;
     const QByteArray name = declaredEncoding(data, &ok);
-    if (!ok || name.isEmpty()) return nullptr;
+    if (!ok || name.isEmpty()) return QByteArray();
     for (const char* safe : {"utf-8", "utf8", "us-ascii", "ascii", "iso-8859-", "latin", "windows-125",
                              "gb2312", "gbk", "gb18030", "big5"}) {
-        if (name.startsWith(safe)) return nullptr;
+        if (name.startsWith(safe)) return QByteArray();
     }
-    return QTextCodec::codecForName(name);
+    return name;
+}
+
+// `data` decoded from `encoding` as UTF-8; false when no codec knows the
+// encoding (Qt 6 knows the UTF encodings and Latin-1 only, as its parser does).
+bool decodeToUtf8(const QByteArray& encoding, const QByteArray& data, QByteArray* utf8) {
+    if (encoding.isEmpty()) return false;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    QStringDecoder decoder(encoding.constData());
+    if (!decoder.isValid()) return false;
+    *utf8 = QString(decoder(data)).toUtf8();
+#else
+    QTextCodec* const codec = QTextCodec::codecForName(encoding);
+    if (!codec) return false;
+    *utf8 = codec->toUnicode(data).toUtf8();
+#endif
+    return true;
 }
 
 // Qt's stream reader over a document the byte scan cannot vouch for alone (a
@@ -346,11 +366,11 @@ bool checkLimits(const QByteArray& data, const DocumentLimits& limits, LimitViol
         if (where) *where = {0, 0, tooLargeMessage()};
         return false;
     }
-    QTextCodec* const decoder = decoderFor(data);
+    QByteArray utf8;
+    const bool decoded = decodeToUtf8(encodingToDecode(data), data, &utf8);
     bool doctype = false;
-    if (!scanBytes(decoder ? decoder->toUnicode(data).toUtf8() : data, limits, where, shape, &doctype))
-        return false;
-    return (doctype || decoder) ? readWithStreamReader(data, limits, where) : true;
+    if (!scanBytes(decoded ? utf8 : data, limits, where, shape, &doctype)) return false;
+    return (doctype || decoded) ? readWithStreamReader(data, limits, where) : true;
 }
 
 namespace {
