@@ -378,9 +378,10 @@ bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QStr
 }
 
 void reportParsed(const QString& path, bool ok, const QString& error, int line, int column,
-                  const QDomDocument& doc) {
+                  const QDomDocument& doc, DiagnosticKind failure) {
     LoadObserver* o = observe::current();
     if (Q_LIKELY(!o)) return;
+    if (!ok) o->diagnostic({failure, QDomElement(), nullptr, error, false, line, column});
     DocumentRead read;
     read.path = path;
     read.ok = ok;
@@ -458,35 +459,42 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
     int line = 0;
     int column = 0;
     bool ok = false;
+    DiagnosticKind failure = DiagnosticKind::ParseFailed;
     switch (readBounded(path, data)) {
     case ReadResult::OpenFailed:
+        failure = DiagnosticKind::OpenFailed;
         if (loader.family.debugOnOpenFailure)
             QMessageLogger(loader.site.file, loader.site.line, loader.site.function).debug().noquote()
                 << "open file:" << path << " error code:" << int(QFileDevice::OpenError);
         error = loader.text(kOpenFailed).arg(path);
         break;
     case ReadResult::TooLarge:
+        failure = DiagnosticKind::TooLarge;
         error = loader.text(kParseError).arg(QStringLiteral("0"), QStringLiteral("0"), tooLargeMessage());
         break;
     case ReadResult::Ok:
         ok = parse(data, loader, doc, error, line, column);
         break;
     }
-    reportParsed(path, ok, error, line, column, doc);
+    reportParsed(path, ok, error, line, column, doc, failure);
     return ok;
 }
 
 bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& error) {
     const QDomElement root = doc.documentElement();
-    auto reject = [&](const char* text) {
+    auto reject = [&](const char* text, DiagnosticKind kind) {
         error = loader.text(text);
-        if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) o->documentRejected(root, error);
+        if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) {
+            o->documentRejected(root, error);
+            o->diagnostic({kind, root, nullptr, error, false, 0, 0});
+        }
         return false;
     };
-    if (root.tagName() != QLatin1String(loader.family.root)) return reject(loader.family.rootMismatch);
+    if (root.tagName() != QLatin1String(loader.family.root))
+        return reject(loader.family.rootMismatch, DiagnosticKind::RootMismatch);
     const QString version = QStringLiteral("version");
     if (root.hasAttribute(version) && root.attribute(version) != QLatin1String("1.0"))
-        return reject(loader.family.versionMismatch);
+        return reject(loader.family.versionMismatch, DiagnosticKind::VersionMismatch);
     return true;
 }
 
@@ -494,6 +502,7 @@ bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, 
     if (path.isEmpty()) {
         const QString text = loader.text(loader.family.pathEmpty);
         error = text.contains(QLatin1String("%1")) ? text.arg(path) : text;
+        observe::diagnose(DiagnosticKind::PathEmpty, error);
         return false;
     }
     return parseDocumentFile(path, loader, doc, error) && checkDocumentRoot(doc, loader, error);
@@ -502,6 +511,7 @@ bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, 
 bool prepareDirectory(const QString& path, const Loader& loader, QString& error) {
     if (path.isEmpty() || (!QDir(path).exists() && !QDir().mkpath(path)) || !QFileInfo(path).isDir()) {
         error = loader.text(kPathWithName).arg(path);
+        observe::diagnose(DiagnosticKind::PathEmpty, error);
         return false;
     }
     return true;
