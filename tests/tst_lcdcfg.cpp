@@ -88,6 +88,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("code");
         const QString slot = "device/29974/29974_slot.xml";
         const QString mosaic = "device/29974/29974_screen_mosaic.xml";
+        const QString splice = "device/29974/29974_screen_splice.xml";
         auto row = [](const char* name, const QString& file, const QString& from, const QString& to,
                       const QStringList& expected,
                       int code) { QTest::newRow(name) << file << from << to << expected << code; };
@@ -115,6 +116,10 @@ private Q_SLOTS:
             {"subcard/2103_dp12_2in.xml:17:connector-type-undescribed"}, 1);
         row("layout cell on an input slot", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"1\"",
             "SlotIndex=\"1\" ConnectorIndex=\"1\"", {mosaic + ":26:layout-slot"}, 1);
+        row("overlapping cells in the splice file", splice,
+            "X=\"0\" Y=\"1080\" Width=\"1920\" Height=\"1080\" Row=\"2\" Column=\"1\" SlotIndex=\"6\"",
+            "X=\"0\" Y=\"0\" Width=\"1920\" Height=\"1080\" Row=\"1\" Column=\"1\" SlotIndex=\"6\"",
+            {splice + ":35:layout-overlap"}, 1);
         row("layout cell on an absent connector", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"4\"",
             "SlotIndex=\"5\" ConnectorIndex=\"9\"", {mosaic + ":29:layout-connector"}, 1);
         row("cross-card member of an unknown card", "device/29974/29974_crosscard.xml",
@@ -130,6 +135,12 @@ private Q_SLOTS:
             {"menu/menufcitems.xml:1:parse", "menu/menufcitems.xml:0:records-lost"}, 1);
         row("HDR value without text", "func/hdr/lcdhdrinputconfig.xml", "<SupportValue>12<",
             "<SupportValue>13<", {"func/hdr/lcdhdrinputconfig.xml:18:hdr-value-without-text"}, 1);
+        row("HDR value read as 0 beside a written 0", "func/hdr/lcdhdrinputconfig.xml",
+            "<!-- AUTO -->\n        <ValueInfo Type=\"0\"> <!-- bit depth -->\n"
+            "            <SupportValue>255</SupportValue>\n            <SupportValue>8<",
+            "<!-- AUTO -->\n        <ValueInfo Type=\"0\"> <!-- bit depth -->\n"
+            "            <SupportValue>255</SupportValue>\n            <SupportValue>eight<",
+            {"func/hdr/lcdhdrinputconfig.xml:16:hdr-value-without-text"}, 1);
         row("duplicated card id", "subcard/2103_dp12_2in.xml", "ModelId=\"2103\"", "ModelId=\"2102\"",
             {"subcard/2103_dp12_2in.xml:6:card-duplicate"}, 1);
         row("empty Chinese card name warns", "subcard/2102_dvi_4in.xml", "<zh_CN>4路DVI输入卡</zh_CN>",
@@ -140,7 +151,8 @@ private Q_SLOTS:
         row("current device missing", "device/29974", "*", "", {"device:0:current-device-missing"}, 1);
         row("empty model folder warns", "device/12345", "mkdir", "", {"device/12345:0:model-dir-empty"}, 0);
         row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);
-        row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>", {"ui/checklist.xml:1:load"}, 1);
+        row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>",
+            {"ui/checklist.xml:1:missing-element"}, 1);
         row("missing HDR file warns", "func/hdr/lcdhdrinputconfig.xml", "*", "",
             {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);

@@ -25,86 +25,69 @@ namespace {
 // empty: not reported.
 using FileOf = std::function<QString(const QString& document)>;
 
-// "Error: why" (the device registry's warning) and "why" are the same problem.
-QString reason(const QString& text) {
-    return text.startsWith(QLatin1String("Error: ")) ? text.mid(7) : text;
+// The code of a diagnostic's kind.
+QString codeOf(DiagnosticKind kind) {
+    switch (kind) {
+    case DiagnosticKind::OpenFailed:
+    case DiagnosticKind::TooLarge:
+        return QStringLiteral("open");
+    case DiagnosticKind::ParseFailed:
+        return QStringLiteral("parse");
+    case DiagnosticKind::RootMismatch:
+        return QStringLiteral("root");
+    case DiagnosticKind::VersionMismatch:
+        return QStringLiteral("version");
+    case DiagnosticKind::ElementMissing:
+        return QStringLiteral("missing-element");
+    default:
+        return QStringLiteral("load");
+    }
 }
 
-// "Invalid [X] node." names the missing X.
-QString missingName(const QString& text) {
-    const int open = text.indexOf(QLatin1String("Invalid ["));
-    const int close = text.indexOf(QLatin1String("] node."), open);
-    return open < 0 || close < 0 ? QString() : text.mid(open + 9, close - open - 9);
+bool isFailure(DiagnosticKind kind) {
+    return kind != DiagnosticKind::ElementMissing && kind != DiagnosticKind::FileRejected &&
+           kind != DiagnosticKind::FileMissing;
 }
 
-// What the library wrote while `load` ran: the documents that failed, every
-// warning, and the loader's error text, each once, at its position.
-void addLoadProblems(const PartLoad& load, const Trace& trace, const FileOf& fileOf, const QString& inputName,
+// What the library told while `load` ran: the documents that failed, every
+// logged diagnostic and the loader's error text, each once, placed where
+// its cause is (the event of the same text that names an element).
+void addLoadProblems(const PartLoad& load, const FileOf& fileOf, const QString& inputName,
                      Problems& problems) {
     if (!load.missing.isEmpty()) {
         problems.add({fileOf(load.missing), 0, 0, Severity::Error, QStringLiteral("directory-missing"),
                       QStringLiteral("no such directory: the host would create it empty and load nothing")});
         return;
     }
-    QStringList seen; // "document\nreason" already reported
-    auto add = [&](const QString& document, int line, int column, Severity severity, QString code,
-                   QString text) {
-        // before the first document: the input the text names, else the first
-        QString file = document.isEmpty() ? inputName : fileOf(document);
-        for (const QString& input : document.isEmpty() ? load.inputs : QStringList())
-            if (text.contains(QFileInfo(input).fileName()) && !fileOf(input).isEmpty()) file = fileOf(input);
-        const QString key = document + QLatin1Char('\n') + reason(text);
+    const QVector<Diagnostic>& events = load.diagnostics;
+    QSet<QString> seen; // "document\ntext" already reported
+    auto add = [&](int i, Severity severity) {
+        const Diagnostic& d = events[i];
+        const QString file = d.document.isEmpty() ? inputName : fileOf(d.document);
+        const QString key = d.document + QLatin1Char('\n') + d.text;
         if (file.isEmpty() || seen.contains(key)) return;
-        seen << key;
-        const QString name = missingName(text);
-        if (!name.isEmpty()) {
-            code = QStringLiteral("missing-element");
-            if (const Missing* missing = trace.lastMissing(document, name)) {
-                line = missing->line;
-                column = missing->column;
-                text += QStringLiteral(" (missing %1)").arg(missing->path);
-            }
-        }
-        problems.add({file, line, column, severity, code, text});
+        seen.insert(key);
+        const Diagnostic* cause = &d;
+        for (int j = i; j >= 0 && cause->kind == DiagnosticKind::FileRejected; --j)
+            if (events[j].document == d.document && events[j].text == d.text) cause = &events[j];
+        const QString text =
+            cause->missing.isEmpty() ? d.text : QStringLiteral("%1 (missing %2)").arg(d.text, cause->missing);
+        problems.add({file, cause->line, cause->column, severity, codeOf(cause->kind), text});
     };
-    for (const DocumentFailure& f : trace.failures()) {
-        if (!load.documents.contains(f.document)) continue;
-        const QString code = f.rejected
-                                 ? (f.error.contains(QLatin1String("version")) ? QStringLiteral("version")
-                                                                               : QStringLiteral("root"))
-                             : f.line > 0 ? QStringLiteral("parse")
-                                          : QStringLiteral("open");
-        add(f.document, f.line, f.column, Severity::Error, code, f.error);
-    }
-    for (const Diagnostic& d : load.diagnostics) {
-        if (d.type == QtDebugMsg || d.type == QtInfoMsg) continue;
-        const bool error = d.type != QtWarningMsg || d.text.startsWith(QLatin1String("Error:"));
-        add(d.document, d.line, d.column, error ? Severity::Error : Severity::Warning, QStringLiteral("load"),
-            d.text);
-    }
-    // the loader's error repeats the last failure's text (not always of the last document)
-    const bool repeated = std::any_of(seen.begin(), seen.end(), [&](const QString& key) {
-        return key.section(QLatin1Char('\n'), 1) == reason(load.error);
-    });
-    if (!load.error.isEmpty() && !repeated) {
-        // the loader's error is left by the file that failed: a missing
-        // element's by the last file where that lookup failed, any other's by
-        // the last file opened, at the last lookup that failed there
-        const QString name = missingName(load.error);
-        QString document = load.documents.isEmpty() ? QString() : load.documents.last();
-        const Missing* cause = nullptr;
-        for (const Missing& m : trace.missing())
-            if (load.documents.contains(m.document) &&
-                (name.isEmpty() ? m.document == document : m.name == name))
-                cause = &m;
-        if (cause) document = cause->document;
-        if (!name.isEmpty() || load.ok) cause = nullptr; // placed by add(), or not the cause
-        // a connector load that goes on has dropped a description: an error too
-        const bool error = !load.ok || load.part == Part::Connectors;
-        add(document, cause ? cause->line : 0, cause ? cause->column : 0,
-            error ? Severity::Error : Severity::Warning, QStringLiteral("load"),
-            cause ? QStringLiteral("%1 (missing %2)").arg(load.error, cause->path) : load.error);
-    }
+    for (int i = 0; i < events.size(); ++i)
+        if (isFailure(events[i].kind) || events[i].logged)
+            add(i, isFailure(events[i].kind) || events[i].kind == DiagnosticKind::FileRejected
+                       ? Severity::Error
+                       : Severity::Warning);
+    if (load.error.isEmpty()) return;
+    // the loader's error repeats the text of the event that left it; a
+    // connector load that goes on has dropped a description: an error too
+    const Severity severity = !load.ok || load.part == Part::Connectors ? Severity::Error : Severity::Warning;
+    for (int i = events.size() - 1; i >= 0; --i)
+        if (events[i].text == load.error) return add(i, severity);
+    const QString document = load.documents.isEmpty() ? QString() : load.documents.last();
+    const QString file = document.isEmpty() ? inputName : fileOf(document);
+    if (!file.isEmpty()) problems.add({file, 0, 0, severity, QStringLiteral("load"), load.error});
 }
 
 // The card or connector files of a folder in the order the directory loaders
@@ -157,8 +140,8 @@ QSet<int> loadAlone(const Tree& tree, Part part, const QString& file, Problems& 
     const QString name = tree.relative(file);
     const QString linked = QFileInfo(link).absoluteFilePath();
     addLoadProblems(
-        *alone.loadOf(part), trace,
-        [&](const QString& document) { return document == linked ? name : QString(); }, name, problems);
+        *alone.loadOf(part), [&](const QString& document) { return document == linked ? name : QString(); },
+        name, problems);
     QSet<int> ids = idsOf(alone, part, trace);
     // a card file that fails after naming its models loses those to the host too
     if (part == Part::Cards && !alone.loadOf(part)->ok)
@@ -211,7 +194,7 @@ void checkMenuTree(const Tree& tree, Problems& problems) {
 void checkTree(Tree& tree, const Trace& trace, Problems& problems) {
     for (const PartLoad& load : tree.loads())
         addLoadProblems(
-            load, trace, [&](const QString& document) { return tree.relative(document); },
+            load, [&](const QString& document) { return tree.relative(document); },
             tree.relative(load.inputs.first()), problems);
     RuleRun run(tree, trace, problems);
     run.lostCards = checkEachFile(tree, Part::Cards, trace, problems);

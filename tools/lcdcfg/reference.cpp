@@ -93,7 +93,7 @@ QStringList messagesOf(const PartLoad& load, const QString& root) {
     };
     add(load.error);
     for (const Diagnostic& d : load.diagnostics)
-        if (d.type != QtDebugMsg && d.type != QtInfoMsg) add(d.text);
+        if (d.logged) add(d.text);
     return messages;
 }
 

@@ -4,16 +4,6 @@
 
 namespace lcdcfg {
 
-namespace {
-
-void dropDebug(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (type == QtDebugMsg || type == QtInfoMsg) return;
-    err() << "lcdcfg: library: " << text << "\n";
-    err().flush();
-}
-
-} // namespace
-
 Session::Session(CommandLine& cl, bool withLocale)
     : m_cl(cl),
       m_root(QStringLiteral("root"), QStringLiteral("Configuration root (default: the shipped one)."),
@@ -51,7 +41,6 @@ std::unique_ptr<Tree> Session::load(const QString& root, const QVector<Part>& pa
         err() << "lcdcfg: " << tree->error() << "\n";
         return nullptr;
     }
-    qInstallMessageHandler(&dropDebug);
     return tree;
 }
 

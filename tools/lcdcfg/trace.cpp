@@ -29,6 +29,10 @@ int editDistance(const QString& a, const QString& b) {
     return row[y.size()];
 }
 
+QString keyOf(const QString& document, int line, int column) {
+    return QStringLiteral("%1:%2:%3").arg(document).arg(line).arg(column);
+}
+
 // A name a letter or two (for longer names) away from `wanted`, case aside.
 bool near(const QString& name, const QString& wanted) {
     const int limit = wanted.size() < 5 ? 1 : 2;
@@ -56,6 +60,8 @@ const DocumentTrace* Trace::document(const QString& path) const {
 
 void Trace::documentStarted(const QString& path) {
     m_path = path;
+    if (m_folderSite >= 0) m_sites[m_folderSite].document = QFileInfo(path).absolutePath();
+    m_folderSite = -1;
     DocumentTrace d;
     d.path = path;
     m_documents.push_back(d);
@@ -140,11 +146,29 @@ void Trace::textRead(const QDomElement& element, ReadKind kind) {
     reportText(element);
 }
 
-namespace {
-QString keyOf(const QString& document, int line, int column) {
-    return QStringLiteral("%1:%2:%3").arg(document).arg(line).arg(column);
+void Trace::recordStarted(const RecordRead& record) {
+    m_place << int(record.kind) << record.index << record.key;
+    if (record.element.isNull()) { // a model: its folder is that of its first file
+        m_folderSite = m_sites.size();
+        m_sites.push_back({QString(), QString(), 0, 0, {}});
+        m_records.insert(m_place, m_folderSite);
+        return;
+    }
+    const Site& site = siteOf(record.element);
+    m_records.insert(m_place, int(&site - m_sites.constData()));
 }
-} // namespace
+
+void Trace::recordEnded(RecordKind) {
+    m_place.resize(std::max(0, m_place.size() - 3));
+}
+
+const Site* Trace::record(const RecordPath& path) const {
+    QVector<int> place;
+    for (const Step& step : path)
+        place << int(step.kind) << step.index << step.key;
+    const auto it = m_records.constFind(place);
+    return it == m_records.constEnd() || m_sites[*it].document.isEmpty() ? nullptr : &m_sites[*it];
+}
 
 Site& Trace::siteOf(const QDomElement& element) {
     const QString key = keyOf(m_path, element.lineNumber(), element.columnNumber());
@@ -266,17 +290,17 @@ QString closest(const QString& name, const QStringList& names) {
 
 namespace {
 
-struct Step {
+struct PatternStep {
     QString name; // "*" for any
     QVector<QPair<QString, QString>> conditions;
 };
 
-QVector<Step> parsePattern(QString pattern, bool* anchored) {
+QVector<PatternStep> parsePattern(QString pattern, bool* anchored) {
     *anchored = pattern.startsWith(QLatin1Char('/'));
     if (*anchored) pattern.remove(0, 1);
-    QVector<Step> steps;
+    QVector<PatternStep> steps;
     for (const QString& text : pattern.split(QLatin1Char('/'))) {
-        Step step;
+        PatternStep step;
         const int bracket = text.indexOf(QLatin1Char('['));
         step.name = bracket < 0 ? text : text.left(bracket);
         if (bracket >= 0) {
@@ -299,10 +323,10 @@ bool sameValue(const QString& a, const QString& b) {
     return okA && okB ? x == y : a == b;
 }
 
-bool matches(QDomElement e, const QVector<Step>& steps, bool anchored) {
+bool matches(QDomElement e, const QVector<PatternStep>& steps, bool anchored) {
     for (int i = steps.size() - 1; i >= 0; --i, e = e.parentNode().toElement()) {
         if (e.isNull()) return false;
-        const Step& step = steps[i];
+        const PatternStep& step = steps[i];
         if (step.name != QLatin1String("*") && step.name != e.tagName()) return false;
         for (const auto& c : step.conditions)
             if (!e.hasAttribute(c.first) || !sameValue(e.attribute(c.first), c.second)) return false;
@@ -322,7 +346,7 @@ const DocumentTrace* documentOf(const Trace& trace, const QDomElement& e) {
 QVector<QDomElement> findElements(const Tree& tree, const Trace& trace, const QString& under,
                                   const QString& pattern) {
     bool anchored = false;
-    const QVector<Step> steps = parsePattern(pattern, &anchored);
+    const QVector<PatternStep> steps = parsePattern(pattern, &anchored);
     QVector<QDomElement> found;
     for (const DocumentTrace& d : trace.documents()) {
         if (!d.ok || !d.rejected.isEmpty() || !tree.relative(d.path).startsWith(under)) continue;
