@@ -126,6 +126,15 @@ inline const char* fileKindName(unsigned kind) {
                                   : "";
 }
 
+// What a connector folder's file describes, from its first element: the
+// resolutions ("resolutions"), connector descriptions ("connector"), or
+// nothing that is read ("").
+inline const char* connectorFileKind(const QString& firstElement) {
+    return firstElement == QLatin1String("ResolutionRatios") ? "resolutions"
+           : firstElement == QLatin1String("Connectors")     ? "connector"
+                                                             : "";
+}
+
 // ---- slot groups ----------------------------------------------------------
 
 struct SlotGroupFacts {

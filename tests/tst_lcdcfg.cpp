@@ -190,6 +190,49 @@ private Q_SLOTS:
             QCOMPARE(lcdcfg({"check", "--strict", config}).code, 1);
     }
 
+    // Every verb that reads a tree takes it with --root DIR, and as a positional
+    // ROOT where it has no other positional argument (`positional`, run too
+    // when given, must print the same); $LCD_CONFIG names no tree meanwhile,
+    // so a verb that ignored the option would fail.
+    void everyVerbTakesTheTree_data() {
+        QTest::addColumn<QStringList>("withRoot");
+        QTest::addColumn<QStringList>("positional");
+        QTest::addColumn<int>("code");
+        const QString r = "ROOT";
+        QTest::newRow("check") << QStringList{"check", "--root", r} << QStringList{"check", r} << 0;
+        QTest::newRow("lint") << QStringList{"lint", "--json", "--root", r}
+                              << QStringList{"lint", "--json", r} << 0;
+        QTest::newRow("report") << QStringList{"report", "-o", "-", "--root", r}
+                                << QStringList{"report", "-o", "-", r} << 0;
+        QTest::newRow("show") << QStringList{"show", "keys", "--root", r} << QStringList{} << 0;
+        QTest::newRow("dump") << QStringList{"dump", "--json", "menu", "--root", r} << QStringList{} << 0;
+        QTest::newRow("explain") << QStringList{"explain", "--root", r, "card", "2103"} << QStringList{} << 0;
+        QTest::newRow("diff") << QStringList{"diff", r, "--root", r} << QStringList{"diff", r, r} << 0;
+        QTest::newRow("reference") << QStringList{"reference", "--output", "OUT", "--root", r}
+                                   << QStringList{"reference", "--output", "OUT", r} << 0;
+    }
+
+    void everyVerbTakesTheTree() {
+        QFETCH(QStringList, withRoot);
+        QFETCH(QStringList, positional);
+        QFETCH(int, code);
+        QTemporaryDir dir;
+        const QString config = test::shippedCopy(dir);
+        auto bind = [&](QStringList args) {
+            args.replaceInStrings(QRegularExpression("^ROOT$"), config);
+            args.replaceInStrings(QRegularExpression("^OUT$"), dir.filePath("out"));
+            return args;
+        };
+        const QByteArray saved = qgetenv("LCD_CONFIG");
+        qputenv("LCD_CONFIG", dir.filePath("none").toUtf8());
+        const Run run = lcdcfg(bind(withRoot));
+        const Run other = positional.isEmpty() ? run : lcdcfg(bind(positional));
+        saved.isNull() ? qunsetenv("LCD_CONFIG") : qputenv("LCD_CONFIG", saved);
+        QVERIFY2(run.code == code, qPrintable(run.out + run.err));
+        QCOMPARE(other.code, run.code);
+        QCOMPARE(other.out, run.out);
+    }
+
     // `check` and `check --json` on a small faulty tree, against the files
     // under tests/data/lcdcfg (LCD_UPDATE_GOLDEN=1 rewrites them).
     void goldenOutput_data() {
@@ -222,7 +265,7 @@ private Q_SLOTS:
         QTest::newRow("no command") << QStringList{} << 2 << "usage: lcdcfg COMMAND";
         QTest::newRow("missing plug-in") << QStringList{"plugin", "--plugin", "/nonexistent.so"} << 2
                                          << "plug-in not found: /nonexistent.so";
-        QTest::newRow("missing configuration") << QStringList{"check", "--config", "/nonexistent"} << 2
+        QTest::newRow("missing configuration") << QStringList{"check", "--root", "/nonexistent"} << 2
                                                << "no configuration directory /nonexistent";
         QTest::newRow("two roots") << QStringList{"check", "a", "b"} << 2 << "one ROOT at most";
         QTest::newRow("unknown option") << QStringList{"check", "--frobnicate"} << 2 << "Unknown option";

@@ -13,11 +13,13 @@
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/rules.h"
+#include "tools/lcdcfg/session.h"
 #include "tools/lcdcfg/trace.h"
 
 namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
+namespace facts = LCD::ConfigModel::facts;
 
 namespace {
 
@@ -90,20 +92,6 @@ void addLoadProblems(const PartLoad& load, const FileOf& fileOf, const QString& 
     if (!file.isEmpty()) problems.add({file, 0, 0, severity, QStringLiteral("load"), load.error});
 }
 
-// The card or connector files of a folder in the order the directory loaders
-// take them (the card folder's direct sub-directories too).
-QStringList filesOf(const QString& folder, bool subdirectories) {
-    QStringList folders{folder};
-    if (subdirectories)
-        for (const QFileInfo& sub : QDir(folder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
-            folders << sub.filePath();
-    QStringList files;
-    for (const QString& dir : folders)
-        for (const QFileInfo& file : QDir(dir).entryInfoList({QStringLiteral("*.xml")}, QDir::Files))
-            files << file.absoluteFilePath();
-    return files;
-}
-
 // The ids a component holds: card models, or the connector types its files name.
 QSet<int> idsOf(const Tree& tree, Part part, const Trace& trace) {
     QSet<int> ids;
@@ -119,37 +107,52 @@ QSet<int> idsOf(const Tree& tree, Part part, const Trace& trace) {
     return ids;
 }
 
-// Loads `file` alone into a fresh component: a temporary root whose folder
-// for `part` holds only a link to it (the menu tree beside an empty function
-// item file). Adds its problems under the tree's name of the file; returns
-// the ids it loaded.
-QSet<int> loadAlone(const Tree& tree, Part part, const QString& file, Problems& problems) {
+// The card models a file names (its cards read before the load stopped there).
+QSet<int> namedIn(const Trace& trace, const QString& document) {
+    QSet<int> ids;
+    for (const Site* site :
+         trace.find([&](const QString& d) { return d == document; }, QStringLiteral("Subcard"), {}))
+        if (site->values.contains(QStringLiteral("ModelId")))
+            ids.insert(site->values.value(QStringLiteral("ModelId")).toInt());
+    return ids;
+}
+
+// Loads `files` into a fresh component, in this order, through one scratch
+// folder of links (the menu tree: beside an empty function item file). Adds
+// their problems under the tree's names of the files; returns the ids the
+// load holds, with the models the file it stopped at names, and that file
+// in `stop` (empty when it read them all).
+QSet<int> loadFiles(const Tree& tree, Part part, const QStringList& files, Problems& problems,
+                    QString* stop) {
+    stop->clear();
     QTemporaryDir scratch;
     const QStringList inputs = Tree::inputsOf(part, scratch.path());
     const bool menu = part == Part::Menu;
     const QString folder = menu ? QFileInfo(inputs.first()).absolutePath() : inputs.first();
-    const QString link = menu ? inputs.last() : QDir(folder).filePath(QFileInfo(file).fileName());
     QFile stub(inputs.first());
     if (!scratch.isValid() || !QDir().mkpath(folder) || (menu && !stub.open(QIODevice::WriteOnly)) ||
-        (menu && stub.write("<LCD version=\"1.0\"/>\n") < 0) || !QFile::link(file, link))
+        (menu && stub.write("<LCD version=\"1.0\"/>\n") < 0))
         return {};
     stub.close();
+    QHash<QString, QString> names; // link to the file
+    for (int i = 0; i < files.size(); ++i) {
+        const QString link = menu ? inputs.last()
+                                  : QDir(folder).filePath(QStringLiteral("%1-%2")
+                                                              .arg(i, 6, 10, QLatin1Char('0'))
+                                                              .arg(QFileInfo(files[i]).fileName()));
+        if (!QFile::link(files[i], link)) return {};
+        names.insert(QFileInfo(link).absoluteFilePath(), files[i]);
+    }
     Tree alone(tree.host(), scratch.path());
     Trace trace;
     alone.load({part}, &trace);
-    const QString name = tree.relative(file);
-    const QString linked = QFileInfo(link).absoluteFilePath();
+    const PartLoad& load = *alone.loadOf(part);
     addLoadProblems(
-        *alone.loadOf(part), [&](const QString& document) { return document == linked ? name : QString(); },
-        name, problems);
-    QSet<int> ids = idsOf(alone, part, trace);
-    // a card file that fails after naming its models loses those to the host too
-    if (part == Part::Cards && !alone.loadOf(part)->ok)
-        for (const Site* site :
-             trace.find([](const QString&) { return true; }, QStringLiteral("Subcard"), {}))
-            if (site->values.contains(QStringLiteral("ModelId")))
-                ids.insert(site->values.value(QStringLiteral("ModelId")).toInt());
-    return ids;
+        load, [&](const QString& document) { return tree.relative(names.value(document)); },
+        tree.relative(files.value(0)), problems);
+    const QString last = load.documents.isEmpty() ? QString() : load.documents.last();
+    *stop = load.ok ? QString() : names.value(last);
+    return idsOf(alone, part, trace) + (load.ok ? QSet<int>() : namedIn(trace, last));
 }
 
 QString joined(QSet<int> ids) {
@@ -161,16 +164,22 @@ QString joined(QSet<int> ids) {
     return texts.join(QStringLiteral(", "));
 }
 
-// Cards and connectors: every file on its own, so that each bad one is named;
-// the ids only those loads have are what the host loses. Returns them.
+// Cards and connectors: where the host's load stops at a bad file, the files
+// after it are loaded too (again after each file that stops a load), so
+// that each bad one is named; the ids only those loads have are what the
+// host loses. Returns them.
 QSet<int> checkEachFile(Tree& tree, Part part, const Trace& trace, Problems& problems) {
     const PartLoad* load = tree.loadOf(part);
-    if (!load || !load->attempted) return {};
-    QSet<int> alone;
-    for (const QString& file : filesOf(load->inputs.first(), part == Part::Cards))
-        alone += loadAlone(tree, part, file, problems);
-    const QSet<int> lost = alone - idsOf(tree, part, trace);
-    if (!lost.isEmpty() && !load->documents.isEmpty())
+    if (!load || !load->attempted || load->ok || load->documents.isEmpty()) return {};
+    const QString folder = load->inputs.first();
+    const QStringList files =
+        part == Part::Cards ? facts::catalogueFiles(folder) : facts::connectorFiles(folder);
+    QString stop = load->documents.last();
+    QSet<int> named = namedIn(trace, stop);
+    for (int at = files.indexOf(stop); at >= 0 && at + 1 < files.size(); at = files.indexOf(stop))
+        named += loadFiles(tree, part, files.mid(at + 1), problems, &stop);
+    const QSet<int> lost = named - idsOf(tree, part, trace);
+    if (!lost.isEmpty())
         problems.add(
             {tree.relative(load->documents.last()), 0, 0, Severity::Error, QStringLiteral("records-lost"),
              QStringLiteral("the host's load stops at this file and loses %1 %2")
@@ -186,7 +195,9 @@ void checkMenuTree(const Tree& tree, Problems& problems) {
     problems.add({tree.relative(load->inputs.first()), 0, 0, Severity::Error, QStringLiteral("records-lost"),
                   QStringLiteral("the host's load stops at this file and reads no menu tree from %1")
                       .arg(tree.relative(load->inputs.last()))});
-    if (QFileInfo::exists(load->inputs.last())) loadAlone(tree, Part::Menu, load->inputs.last(), problems);
+    QString stop;
+    if (QFileInfo::exists(load->inputs.last()))
+        loadFiles(tree, Part::Menu, {load->inputs.last()}, problems, &stop);
 }
 
 } // namespace
@@ -217,33 +228,17 @@ int runCheck(const QStringList& args) {
         QStringLiteral("Checks a configuration tree: every problem as PATH:LINE:COLUMN, exit 0 when "
                        "clean, 1 with errors (or warnings with --strict), 2 on bad usage."),
         QStringLiteral("[ROOT]"));
-    const QCommandLineOption configOption(QStringLiteral("config"),
-                                          QStringLiteral("Configuration root (same as ROOT)."),
-                                          QStringLiteral("dir"));
-    const QCommandLineOption jsonOption(QStringLiteral("json"),
-                                        QStringLiteral("One JSON object for machines."));
     const QCommandLineOption strictOption(QStringLiteral("strict"), QStringLiteral("Warnings fail too."));
-    cl.addOption(configOption);
-    cl.addOption(jsonOption);
     cl.addOption(strictOption);
+    Session session(cl, Session::RootPositional, Session::Json);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    const QStringList positional = cl.positional();
-    if (positional.size() > 1 || (!positional.isEmpty() && cl.isSet(configOption)))
-        return cl.usage(QStringLiteral("one ROOT at most"));
-    const QString root = cl.isSet(configOption) ? cl.value(configOption)
-                         : positional.isEmpty() ? defaultRoot()
-                                                : positional.first();
-    kvchost::PluginHost* host = cl.host();
-    if (!host) return kUsage;
-
-    Tree tree(*host, root);
+    if (!session.parse(args, &code)) return code;
+    Trace trace;
+    const std::unique_ptr<Tree> tree = session.load(&trace);
+    if (!tree) return kUsage;
     Problems problems;
-    if (!checkTree(tree, problems)) {
-        err() << "lcdcfg: " << tree.error() << "\n";
-        return kUsage;
-    }
-    problems.print(out(), cl.isSet(jsonOption), !cl.isSet(jsonOption) && outIsTerminal());
+    checkTree(*tree, trace, problems);
+    problems.print(out(), session.json(), !session.json() && outIsTerminal());
     const bool fails = problems.count(Severity::Error) > 0 ||
                        (cl.isSet(strictOption) && problems.count(Severity::Warning) > 0);
     return fails ? kProblems : kClean;

@@ -233,16 +233,17 @@ QJsonObject dumpOf(Session& session, const QString& root, bool* ok) {
 
 int runDiff(const QStringList& args) {
     CommandLine cl(QStringLiteral("diff"),
-                   QStringLiteral("Prints what changed between two configuration trees, record by record. "
-                                  "Exit status 0 when they are equal, 1 when they differ."),
-                   QStringLiteral("OLD NEW"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("The changes as JSON."));
-    cl.addOption(json);
-    Session session(cl, false);
+                   QStringLiteral("Prints what changed between two configuration trees, record by record "
+                                  "(NEW: --root, else the default tree). Exit status 0 when they are "
+                                  "equal, 1 when they differ."),
+                   QStringLiteral("OLD [NEW]"));
+    Session session(cl, Session::OtherPositional, Session::Json);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    const QStringList roots = cl.positional();
-    if (roots.size() != 2) return cl.usage(QStringLiteral("two configuration trees expected"));
+    if (!session.parse(args, &code)) return code;
+    QStringList roots = session.positional();
+    if (roots.size() == 1) roots << session.root();
+    if (roots.size() != 2 || (session.rootGiven() && session.positional().size() == 2))
+        return cl.usage(QStringLiteral("OLD and NEW expected (NEW positional or --root)"));
     bool ok = false;
     const QJsonObject before = dumpOf(session, roots[0], &ok);
     if (!ok) return kUsage;
@@ -251,7 +252,7 @@ int runDiff(const QStringList& args) {
 
     Differ differ;
     differ.compare(before, after, Place());
-    if (cl.isSet(json)) {
+    if (session.json()) {
         QJsonArray list;
         for (const Change& c : differ.changes) {
             QJsonObject o{{QStringLiteral("kind"), c.kind},

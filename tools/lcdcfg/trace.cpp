@@ -9,6 +9,7 @@
 namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
+namespace facts = LCD::ConfigModel::facts;
 
 namespace {
 int editDistance(const QString& a, const QString& b) {
@@ -376,19 +377,15 @@ QString documentKind(const Tree& tree, const DocumentTrace& document) {
         if (!load.documents.contains(document.path)) continue;
         const QString name = QFileInfo(document.path).fileName();
         switch (load.part) {
-        case Part::Devices:
-            for (const char* word : {"feature", "slot", "screen", "layer", "crosscard"})
-                if (name.contains(QLatin1String(word)))
-                    return QStringLiteral("device-") + QLatin1String(word);
-            return QString();
+        case Part::Devices: {
+            const char* kind = facts::fileKindName(facts::fileKind(name));
+            return *kind ? QStringLiteral("device-") + QLatin1String(kind) : QString();
+        }
         case Part::Cards:
             return QStringLiteral("subcard");
-        case Part::Connectors: {
-            const QString first = document.document.documentElement().firstChildElement().tagName();
-            return first == QLatin1String("ResolutionRatios") ? QStringLiteral("resolutions")
-                   : first == QLatin1String("Connectors")     ? QStringLiteral("connector")
-                                                              : QString();
-        }
+        case Part::Connectors:
+            return QLatin1String(
+                facts::connectorFileKind(document.document.documentElement().firstChildElement().tagName()));
         case Part::Menu:
             return document.path == load.inputs.value(0) ? QStringLiteral("menu-items")
                                                          : QStringLiteral("menu-tree");

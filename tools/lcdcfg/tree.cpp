@@ -113,6 +113,26 @@ const PartLoad* Tree::loadOf(Part part) const {
     return nullptr;
 }
 
+QString Tree::failure(Part part) const {
+    const PartLoad* load = loadOf(part);
+    if (!load) return QString();
+    if (!load->missing.isEmpty()) return QStringLiteral("%1: no such directory").arg(relative(load->missing));
+    for (const Diagnostic& d : load->diagnostics)
+        if (d.logged || d.kind != DiagnosticKind::ElementMissing)
+            return QStringLiteral("%1:%2: %3").arg(relative(d.document)).arg(d.line).arg(d.text);
+    if (load->ok && load->error.isEmpty()) return QString();
+    return QStringLiteral("%1: %2").arg(
+        relative(load->documents.isEmpty() ? load->inputs.first() : load->documents.last()), load->error);
+}
+
+QString Tree::failures() const {
+    QStringList lines;
+    for (const PartLoad& load : m_loads)
+        if (const QString why = failure(load.part); !why.isEmpty())
+            lines << QStringLiteral("%1: %2").arg(QLatin1String(partName(load.part)), why);
+    return lines.join(QLatin1Char('\n'));
+}
+
 bool Tree::load(LoadObserver* observer) {
     QVector<Part> all;
     for (const facts::ComponentFacts& info : facts::kComponents)

@@ -71,6 +71,12 @@ public:
     QString relative(const QString& path) const; // to the root, for messages
     const QVector<PartLoad>& loads() const { return m_loads; }
     const PartLoad* loadOf(Part part) const;
+    // Why a part cannot answer in full: "FILE: TEXT" of the first file whose
+    // load failed (the missing input, or the loader's error), empty when the
+    // part loaded every file.
+    QString failure(Part part) const;
+    // failure() of every part that has one, one per line ("cards: FILE: TEXT").
+    QString failures() const;
 
     // The components; null when the part was not loaded (or not created).
     LCD::ConfigModel::DeviceConfigInterface* devices() const { return m_devices.get(); }
