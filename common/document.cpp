@@ -381,7 +381,7 @@ void reportParsed(const QString& path, bool ok, const QString& error, int line, 
                   const QDomDocument& doc, DiagnosticKind failure) {
     LoadObserver* o = observe::current();
     if (Q_LIKELY(!o)) return;
-    if (!ok) o->diagnostic({failure, QDomElement(), nullptr, error, false, line, column});
+    if (!ok) o->diagnostic({failure, QDomElement(), nullptr, error, false, line, column, QString()});
     DocumentRead read;
     read.path = path;
     read.ok = ok;
@@ -486,7 +486,7 @@ bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& e
         error = loader.text(text);
         if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) {
             o->documentRejected(root, error);
-            o->diagnostic({kind, root, nullptr, error, false, 0, 0});
+            o->diagnostic({kind, root, nullptr, error, false, 0, 0, QString()});
         }
         return false;
     };

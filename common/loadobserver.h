@@ -109,6 +109,7 @@ struct LoadDiagnostic {
     bool logged = false;        // the text was also written to the message log
     int line = 0;               // ParseFailed: where the parser stopped
     int column = 0;
+    QString logLine; // when logged: the line as written to the log, when it is not `text`
 };
 
 // Header-only, so a program that loads the plug-in at run time (dlopen) can
@@ -174,8 +175,9 @@ private:
 
 // Tells the observer of a diagnostic (nothing when none is attached).
 inline void diagnose(DiagnosticKind kind, const QString& text, const QDomElement& element = QDomElement(),
-                     const char* name = nullptr, bool logged = false) {
-    if (LoadObserver* o = current(); Q_UNLIKELY(o)) o->diagnostic({kind, element, name, text, logged, 0, 0});
+                     const char* name = nullptr, bool logged = false, const QString& logLine = QString()) {
+    if (LoadObserver* o = current(); Q_UNLIKELY(o))
+        o->diagnostic({kind, element, name, text, logged, 0, 0, logLine});
 }
 } // namespace observe
 

@@ -317,10 +317,14 @@ QDomElement Section::found(const QDomElement& e, const QDomElement& parent, cons
     else
         m_error = m_loader.invalidNode(QLatin1String(name));
     const bool logged = missing == Missing::EndsLogged || missing == Missing::NotedLogged;
-    observe::diagnose(DiagnosticKind::ElementMissing, m_error, parent, name, logged);
-    if (logged)
-        QMessageLogger(m_loader.site.file, m_loader.site.line, m_loader.site.function).warning().noquote()
-            << "Log:" << m_error;
+    if (!logged) {
+        observe::diagnose(DiagnosticKind::ElementMissing, m_error, parent, name);
+        return e;
+    }
+    const QString line = QLatin1String("Log: ") + m_error;
+    QMessageLogger(m_loader.site.file, m_loader.site.line, m_loader.site.function).warning().noquote()
+        << line;
+    observe::diagnose(DiagnosticKind::ElementMissing, m_error, parent, name, true, line);
     return e;
 }
 

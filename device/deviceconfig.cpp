@@ -40,8 +40,9 @@ bool readPart(bool (Parser::*parse)(const QDomDocument&, QString&, Record&), con
               Record& fresh) {
     QString reason;
     if ((Parser::instance()->*parse)(doc, reason, fresh)) return true;
-    qWarning().noquote() << "Error:" << reason;
-    observe::diagnose(DiagnosticKind::FileRejected, reason, {}, nullptr, true);
+    const QString line = QLatin1String("Error: ") + reason;
+    qWarning().noquote() << line;
+    observe::diagnose(DiagnosticKind::FileRejected, reason, {}, nullptr, true, line);
     return false;
 }
 

@@ -94,7 +94,7 @@ QStringList messagesOf(const PartLoad& load, const QString& root) {
     };
     add(load.error);
     for (const Diagnostic& d : load.diagnostics)
-        if (d.logged) add(d.text);
+        if (d.logged) add(d.logLine);
     return messages;
 }
 

@@ -70,7 +70,8 @@ public:
         if (next) next->recordEnded(kind);
     }
     void diagnostic(const LoadDiagnostic& d) override {
-        Diagnostic mine{d.kind, d.text, d.logged, document, d.line, d.column, QString()};
+        Diagnostic mine{d.kind, d.text,   d.logged,  document,
+                        d.line, d.column, QString(), d.logLine.isEmpty() ? d.text : d.logLine};
         if (!d.element.isNull()) {
             mine.line = d.element.lineNumber();
             mine.column = d.element.columnNumber();
@@ -117,10 +118,10 @@ QString Tree::failure(Part part) const {
     const PartLoad* load = loadOf(part);
     if (!load) return QString();
     if (!load->missing.isEmpty()) return QStringLiteral("%1: no such directory").arg(relative(load->missing));
-    for (const Diagnostic& d : load->diagnostics)
-        if (d.logged || d.kind != DiagnosticKind::ElementMissing)
-            return QStringLiteral("%1:%2: %3").arg(relative(d.document)).arg(d.line).arg(d.text);
     if (load->ok && load->error.isEmpty()) return QString();
+    for (const Diagnostic& d : load->diagnostics) // the first file that failed, else the loader's text
+        if (d.kind != DiagnosticKind::ElementMissing || d.text == load->error)
+            return QStringLiteral("%1:%2: %3").arg(relative(d.document)).arg(d.line).arg(d.text);
     return QStringLiteral("%1: %2").arg(
         relative(load->documents.isEmpty() ? load->inputs.first() : load->documents.last()), load->error);
 }

@@ -39,6 +39,7 @@ struct Diagnostic {
     int line = 0;        // the element it is about, or where the parser stopped (0 when none)
     int column = 0;
     QString missing; // ElementMissing: the path of the missing element, "Vrn/Device"
+    QString logLine; // logged: the line as the library wrote it
 };
 
 struct PartLoad {
