@@ -97,8 +97,11 @@ abi-baseline: test-deps
 	cmake --build build-release --target abi-baseline
 
 bench: configure
-	cmake --build build -j $(JOBS) --target bench_load
+	cmake --build build -j $(JOBS) --target bench_load lcdcfg
 	./build/bench/bench_load $(CONFIG)
+	# lcdcfg's check beside a full dump of the same tree (check costs at most what the dump does)
+	hyperfine -N -i --warmup 1 './build/tools/lcdcfg check --root $(CONFIG)' \
+		'./build/tools/lcdcfg dump --json --root $(CONFIG)'
 
 # The libFuzzer runs (clang), one per reader (LCD_FUZZ_READER, see
 # fuzz/fuzz_loaders.cpp), FUZZ_TIME seconds each: seeds are that reader's

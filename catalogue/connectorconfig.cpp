@@ -1,6 +1,7 @@
 #include "catalogue/connectorconfig.h"
 
 #include "common/document.h"
+#include "common/facts.h"
 #include "common/xmlread.h"
 
 #include <QtCore/QDebug>
@@ -8,7 +9,8 @@
 
 #include <algorithm>
 
-KVC_REGISTER_COMPONENT(LCD::ConfigModel::ConnectorConfigManager, "tavio.lcd.configmodel.connector")
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::ConnectorConfigManager,
+                       LCD::ConfigModel::facts::component(LCD::ConfigModel::facts::Component::Connectors).id)
 
 namespace LCD {
 namespace ConfigModel {
@@ -307,14 +309,9 @@ bool ConnectorConfigManager::readConfig(const QString& path, QString& error) {
     const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!prepareDirectory(path, loader, error)) return false;
 
-    const QDir dir(path);
-    QStringList names = dir.entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
-    for (const QString& name : undecodableNames(path)) // fail with their path, after the others
-        if (name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive)) names << name;
-    for (const QString& name : names) {
+    for (const QString& filePath : facts::connectorFiles(path)) {
         QDomDocument doc;
-        if (!parseDocumentFile(dir.absoluteFilePath(name), loader, doc, error) ||
-            !checkDocumentRoot(doc, loader, error))
+        if (!parseDocumentFile(filePath, loader, doc, error) || !checkDocumentRoot(doc, loader, error))
             return false; // what earlier files brought stays loaded
 
         // The first element decides the kind of file; any other kind is skipped.
@@ -322,6 +319,7 @@ bool ConnectorConfigManager::readConfig(const QString& path, QString& error) {
         if (isNamed(first, "ResolutionRatios")) {
             if (!readConfigResolution(first, m_resolution)) {
                 error = loader.text("Resolution file parsed error.");
+                observe::diagnose(DiagnosticKind::FileRejected, error, first);
                 return false;
             }
             m_connectors = readInterfaceTable(next(first));

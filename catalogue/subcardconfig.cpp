@@ -1,6 +1,7 @@
 #include "catalogue/subcardconfig.h"
 
 #include "common/document.h"
+#include "common/facts.h"
 #include "common/xmlread.h"
 
 #include <QtCore/QDebug>
@@ -9,7 +10,8 @@
 #include <algorithm>
 #include <utility>
 
-KVC_REGISTER_COMPONENT(LCD::ConfigModel::SubcardConfigManager, "tavio.lcd.configmodel.subcard")
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::SubcardConfigManager,
+                       LCD::ConfigModel::facts::component(LCD::ConfigModel::facts::Component::Cards).id)
 
 namespace LCD {
 namespace ConfigModel {
@@ -21,29 +23,6 @@ namespace {
 
 // The catalogue is no Qt object: its texts use the base object's context.
 const char kTrContext[] = "QObject";
-
-// Every "*.xml" file of `path` and of its direct sub-directories, deeper
-// levels unread. The directory itself is listed as "." among its
-// sub-directories in name order (so before any name that begins with a letter
-// or digit); the files of each in name order, ignoring case.
-QStringList catalogueFiles(const QString& path) {
-    QStringList files;
-    const QDir top(path);
-    for (const QString& dir : top.entryList(QDir::Dirs | QDir::NoDotDot, QDir::DirsLast)) {
-        const QDir level(QDir::cleanPath(top.absoluteFilePath(dir)));
-        const QFileInfoList xmlFiles =
-            level.entryInfoList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
-        for (const QFileInfo& file : xmlFiles)
-            files << file.absoluteFilePath();
-        // Names that cannot be decoded fail with their path; a folder only
-        // at the top, where sub-folders are read.
-        for (const QString& name : undecodableNames(level.path()))
-            if (name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive) ||
-                (dir == "." && name.endsWith('/')))
-                files << level.absoluteFilePath(name);
-    }
-    return files;
-}
 
 // ---- one reader per record, in walk order ---------------------------------
 // Every integer is read with an empty default: absent or non-numeric gives 0.
@@ -275,9 +254,11 @@ bool readCatalogueFile(const QDomElement& root, std::vector<s_Subcard>& catalogu
     const QDomElement cards = child(root, "Subcards");
     if (cards.isNull()) {
         error = loader.invalidNode(QStringLiteral("Subcards"));
+        observe::diagnose(DiagnosticKind::ElementMissing, error, root, "Subcards");
         return true;
     }
     return forEachChildWhile(cards, [&](const QDomElement& e) {
+        const observe::Record r(RecordKind::Card, catalogue.size(), e);
         s_Subcard card;
         if (!readCard(e, card, error, loader)) return false;
         catalogue.push_back(std::move(card));
@@ -337,7 +318,7 @@ SubcardConfigManager::~SubcardConfigManager() = default;
 bool SubcardConfigManager::readConfig(const QString& path, QString& error) {
     const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!prepareDirectory(path, loader, error)) return false;
-    for (const QString& file : catalogueFiles(path)) {
+    for (const QString& file : facts::catalogueFiles(path)) {
         QDomDocument doc;
         if (!parseDocumentFile(file, loader, doc, error) || !checkDocumentRoot(doc, loader, error))
             return false;

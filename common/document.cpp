@@ -17,7 +17,6 @@
 #include <cstring>
 #include <new>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -402,9 +401,10 @@ bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QStr
 }
 
 void reportParsed(const QString& path, bool ok, const QString& error, int line, int column,
-                  const QDomDocument& doc) {
+                  const QDomDocument& doc, DiagnosticKind failure) {
     LoadObserver* o = observe::current();
     if (Q_LIKELY(!o)) return;
+    if (!ok) o->diagnostic({failure, QDomElement(), nullptr, error, false, line, column, QString()});
     DocumentRead read;
     read.path = path;
     read.ok = ok;
@@ -482,6 +482,7 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
     int line = 0;
     int column = 0;
     bool ok = false;
+    DiagnosticKind failure = DiagnosticKind::ParseFailed;
     ReadResult read = ReadResult::OutOfMemory;
     try {
         read = readBounded(path, data);
@@ -490,12 +491,14 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
     }
     switch (read) {
     case ReadResult::OpenFailed:
+        failure = DiagnosticKind::OpenFailed;
         if (loader.family.debugOnOpenFailure)
             QMessageLogger(loader.site.file, loader.site.line, loader.site.function).debug().noquote()
                 << "open file:" << path << " error code:" << int(QFileDevice::OpenError);
         error = loader.text(kOpenFailed).arg(path);
         break;
     case ReadResult::TooLarge:
+        failure = DiagnosticKind::TooLarge;
         error = loader.text(kParseError).arg(QStringLiteral("0"), QStringLiteral("0"), tooLargeMessage());
         break;
     case ReadResult::OutOfMemory:
@@ -506,21 +509,25 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
         ok = parse(data, loader, doc, error, line, column);
         break;
     }
-    reportParsed(path, ok, error, line, column, doc);
+    reportParsed(path, ok, error, line, column, doc, failure);
     return ok;
 }
 
 bool checkDocumentRoot(const QDomDocument& doc, const Loader& loader, QString& error) {
     const QDomElement root = doc.documentElement();
-    auto reject = [&](const char* text) {
+    auto reject = [&](const char* text, DiagnosticKind kind) {
         error = loader.text(text);
-        if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) o->documentRejected(root, error);
+        if (LoadObserver* o = observe::current(); Q_UNLIKELY(o)) {
+            o->documentRejected(root, error);
+            o->diagnostic({kind, root, nullptr, error, false, 0, 0, QString()});
+        }
         return false;
     };
-    if (root.tagName() != QLatin1String(loader.family.root)) return reject(loader.family.rootMismatch);
+    if (root.tagName() != QLatin1String(loader.family.root))
+        return reject(loader.family.rootMismatch, DiagnosticKind::RootMismatch);
     const QString version = QStringLiteral("version");
     if (root.hasAttribute(version) && root.attribute(version) != QLatin1String("1.0"))
-        return reject(loader.family.versionMismatch);
+        return reject(loader.family.versionMismatch, DiagnosticKind::VersionMismatch);
     return true;
 }
 
@@ -528,23 +535,10 @@ bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc, 
     if (path.isEmpty()) {
         const QString text = loader.text(loader.family.pathEmpty);
         error = text.contains(QLatin1String("%1")) ? text.arg(path) : text;
+        observe::diagnose(DiagnosticKind::PathEmpty, error);
         return false;
     }
     return parseDocumentFile(path, loader, doc, error) && checkDocumentRoot(doc, loader, error);
-}
-
-QStringList undecodableNames(const QString& directory) {
-    QStringList names;
-    DIR* const dir = ::opendir(QFile::encodeName(directory).constData());
-    if (!dir) return names;
-    while (const dirent* entry = ::readdir(dir)) {
-        const QByteArray raw(entry->d_name);
-        const QString name = QFile::decodeName(raw);
-        if (QFile::encodeName(name) != raw) names << name + QLatin1String(entry->d_type == DT_DIR ? "/" : "");
-    }
-    ::closedir(dir);
-    names.sort();
-    return names;
 }
 
 bool prepareDirectory(const QString& path, const Loader& loader, QString& error) {
@@ -554,6 +548,7 @@ bool prepareDirectory(const QString& path, const Loader& loader, QString& error)
     if (path.isEmpty() || (!QDir(path).exists() && (mangled || !QDir().mkpath(path))) ||
         !QFileInfo(path).isDir()) {
         error = loader.text(kPathWithName).arg(path);
+        observe::diagnose(DiagnosticKind::PathEmpty, error);
         return false;
     }
     return true;

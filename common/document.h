@@ -120,13 +120,6 @@ LCD_CONFIGMODEL_EXPORT bool parseDocumentData(const QByteArray& data, const Load
 // no folder is created under a mangled name. Error text "Invalid file path!\n%1".
 LCD_CONFIGMODEL_EXPORT bool prepareDirectory(const QString& path, const Loader& loader, QString& error);
 
-// Entries of `directory` whose names the file-name encoding cannot decode:
-// decoded, they hold U+FFFD and name nothing that can be opened, so a
-// listing by name leaves them out. A folder's name ends with '/'. The
-// directory loaders add them to what they read, so that such a file fails
-// with its path text instead of vanishing.
-LCD_CONFIGMODEL_EXPORT QStringList undecodableNames(const QString& directory);
-
 // What the scan before the parse counted, up to where it stopped.
 struct DocumentShape {
     int depth = 0;                 // deepest nesting

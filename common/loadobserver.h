@@ -10,8 +10,11 @@
 // observer: the host serialises loading, and so must a tool.
 
 #include <QtCore/QString>
+#include <QtCore/QtGlobal>
 #include <QtXml/QDomDocument>
+
 #include <QtXml/QDomElement>
+#include <cstddef>
 
 #include "lcdconfigmodel/export.h"
 
@@ -50,6 +53,65 @@ struct DocumentRead {
     QDomDocument document; // the parsed document when ok (implicitly shared)
 };
 
+// A record a walk makes, told to the observer as the walk starts reading it
+// (and ended when the walk leaves it), with the element it comes from. The
+// records started and not yet ended are the record's place in the component:
+// a cell is at model m, screen s, device mode d, template t, layout l, cell c,
+// each `index` the position the record takes in its list (the list of the
+// record above it) when it is kept. A record that is not kept (a rejected
+// file, an incomplete device mode) leaves its place to the next record read
+// there: the last record started at a place is the one the component holds.
+enum class RecordKind : quint8 {
+    Model,      // a device model folder (no element); index among the models
+    Screen,     // a screen file's screen; index among the model's screens
+    DeviceMode, // index among the screen's device modes
+    Templete,   // index among the device mode's templates
+    Layout,     // index among the template's layouts
+    Cell,       // index among the layout's cells
+    SlotGroup,  // index: the group's position in the slot-group order (common/facts.h)
+    Slot,       // index among the group's slots
+    GroupCard,  // a card a group accepts; index among the group's cards
+    SlotCard,   // a card placed in a mixed-card slot; index among the slot's cards
+    Card,       // a catalogue card; index among the catalogue's cards
+    HdrTable,   // index 0 the input options, 1 the output options
+    HdrKey,     // a key of the options: index its type, `key` its value
+    HdrSetting, // a dependent setting of a key: index its type
+    HdrValue,   // index among the setting's selectable values
+};
+
+struct RecordRead {
+    RecordKind kind = RecordKind::Model;
+    int index = 0;
+    int key = 0;
+    QDomElement element; // null for a model
+};
+
+// What a diagnostic of a load is about. Every text a load leaves in its error
+// or writes to the message log is also told to the observer as one of these,
+// with the text unchanged.
+enum class DiagnosticKind : quint8 {
+    PathEmpty,       // the loader was given no path
+    OpenFailed,      // the file could not be opened (or is no regular file)
+    TooLarge,        // the file is larger than the loader reads
+    ParseFailed,     // not well-formed XML (or nested too deep)
+    RootMismatch,    // the root element is not the one the loader expects
+    VersionMismatch, // the root's "version" is not "1.0"
+    ElementMissing,  // a required child `name` of `element` is absent
+    FileRejected,    // a file's reader rejected it; the text is its reason
+    FileMissing,     // an option file the component reads is not there
+};
+
+struct LoadDiagnostic {
+    DiagnosticKind kind = DiagnosticKind::ParseFailed;
+    QDomElement element;        // where: a missing element's parent, a rejected root
+    const char* name = nullptr; // the element looked for (ElementMissing)
+    QString text;               // the library's text, as left in the error or logged
+    bool logged = false;        // the text was also written to the message log
+    int line = 0;               // ParseFailed: where the parser stopped
+    int column = 0;
+    QString logLine; // when logged: the line as written to the log, when it is not `text`
+};
+
 // Header-only, so a program that loads the plug-in at run time (dlopen) can
 // derive from it without linking the library.
 class LoadObserver {
@@ -70,6 +132,11 @@ public:
     // The text content of `element` was read: as text, or converted as a
     // 32-bit decimal (ReadKind::Int, 0 when it does not convert).
     virtual void textRead(const QDomElement& /*element*/, ReadKind /*kind*/) {}
+    // A walk started reading a record, and left it (see RecordKind).
+    virtual void recordStarted(const RecordRead& /*record*/) {}
+    virtual void recordEnded(RecordKind /*kind*/) {}
+    // A diagnostic of the load, structured (see DiagnosticKind).
+    virtual void diagnostic(const LoadDiagnostic& /*diagnostic*/) {}
 };
 
 // Attaches `observer` to every load of the process (null detaches).
@@ -81,6 +148,36 @@ namespace observe {
 extern LCD_CONFIGMODEL_EXPORT LoadObserver* g_current;
 inline LoadObserver* current() {
     return g_current;
+}
+
+// The walks' one line per record: `const observe::Record r(RecordKind::Cell,
+// layout.cells.size(), e);` tells the observer where the record starts and,
+// when it goes out of scope, that it ends. One pointer test when none is attached.
+class Record {
+public:
+    Record(RecordKind kind, std::size_t index, const QDomElement& element = QDomElement(), int key = 0)
+        : m_kind(kind) {
+        if (LoadObserver* o = current(); Q_UNLIKELY(o)) {
+            m_observer = o;
+            o->recordStarted({kind, int(index), key, element});
+        }
+    }
+    ~Record() {
+        if (Q_UNLIKELY(m_observer)) m_observer->recordEnded(m_kind);
+    }
+    Record(const Record&) = delete;
+    Record& operator=(const Record&) = delete;
+
+private:
+    LoadObserver* m_observer = nullptr;
+    RecordKind m_kind;
+};
+
+// Tells the observer of a diagnostic (nothing when none is attached).
+inline void diagnose(DiagnosticKind kind, const QString& text, const QDomElement& element = QDomElement(),
+                     const char* name = nullptr, bool logged = false, const QString& logLine = QString()) {
+    if (LoadObserver* o = current(); Q_UNLIKELY(o))
+        o->diagnostic({kind, element, name, text, logged, 0, 0, logLine});
 }
 } // namespace observe
 

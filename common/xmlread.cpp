@@ -295,12 +295,12 @@ QDomElement Children::operator()(const char* name) const {
 
 QDomElement Section::need(const QDomElement& parent, const char* name, Missing missing) {
     const bool ends = missing == Missing::Ends || missing == Missing::EndsLogged;
-    return m_complete || !ends ? found(child(parent, name), name, missing) : QDomElement();
+    return m_complete || !ends ? found(child(parent, name), parent, name, missing) : QDomElement();
 }
 
 QDomElement Section::need(const Children& parent, const char* name, Missing missing) {
     const bool ends = missing == Missing::Ends || missing == Missing::EndsLogged;
-    return m_complete || !ends ? found(parent(name), name, missing) : QDomElement();
+    return m_complete || !ends ? found(parent(name), parent.element(), name, missing) : QDomElement();
 }
 
 void Section::fail(const QString& name) {
@@ -309,15 +309,22 @@ void Section::fail(const QString& name) {
     m_error = m_loader.invalidNode(name);
 }
 
-QDomElement Section::found(const QDomElement& e, const char* name, Missing missing) {
+QDomElement Section::found(const QDomElement& e, const QDomElement& parent, const char* name,
+                           Missing missing) {
     if (!e.isNull()) return e;
     if (missing == Missing::Ends || missing == Missing::EndsLogged)
         fail(QLatin1String(name));
     else
         m_error = m_loader.invalidNode(QLatin1String(name));
-    if (missing == Missing::EndsLogged || missing == Missing::NotedLogged)
-        QMessageLogger(m_loader.site.file, m_loader.site.line, m_loader.site.function).warning().noquote()
-            << "Log:" << m_error;
+    const bool logged = missing == Missing::EndsLogged || missing == Missing::NotedLogged;
+    if (!logged) {
+        observe::diagnose(DiagnosticKind::ElementMissing, m_error, parent, name);
+        return e;
+    }
+    const QString line = QLatin1String("Log: ") + m_error;
+    QMessageLogger(m_loader.site.file, m_loader.site.line, m_loader.site.function).warning().noquote()
+        << line;
+    observe::diagnose(DiagnosticKind::ElementMissing, m_error, parent, name, true, line);
     return e;
 }
 

@@ -276,7 +276,7 @@ public:
     bool complete() const { return m_complete; }
 
 private:
-    QDomElement found(const QDomElement& e, const char* name, Missing missing);
+    QDomElement found(const QDomElement& e, const QDomElement& parent, const char* name, Missing missing);
 
     QString& m_error;
     const Loader& m_loader;

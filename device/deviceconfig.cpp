@@ -1,6 +1,8 @@
 #include "device/deviceconfig.h"
 
 #include "common/document.h"
+#include "common/facts.h"
+#include "common/loadobserver.h"
 #include "device/crosscardconfig.h"
 #include "device/devicefearureconfig.h"
 #include "device/layerconfig.h"
@@ -17,7 +19,8 @@
 #include <array>
 #include <utility>
 
-KVC_REGISTER_COMPONENT(LCD::ConfigModel::DeviceTessanConfigManager, "tavio.lcd.configmodel.device")
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::DeviceTessanConfigManager,
+                       LCD::ConfigModel::facts::component(LCD::ConfigModel::facts::Component::Devices).id)
 
 namespace LCD {
 namespace ConfigModel {
@@ -37,7 +40,9 @@ bool readPart(bool (Parser::*parse)(const QDomDocument&, QString&, Record&), con
               Record& fresh) {
     QString reason;
     if ((Parser::instance()->*parse)(doc, reason, fresh)) return true;
-    qWarning().noquote() << "Error:" << reason;
+    const QString line = QLatin1String("Error: ") + reason;
+    qWarning().noquote() << line;
+    observe::diagnose(DiagnosticKind::FileRejected, reason, {}, nullptr, true, line);
     return false;
 }
 
@@ -51,7 +56,7 @@ void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QSt
     QStringList files;
     for (QDirIterator entries(dir.path(), QDir::AllEntries | QDir::NoDotAndDotDot); entries.hasNext();)
         files << entries.next();
-    for (const QString& name : undecodableNames(dir.path()))
+    for (const QString& name : facts::undecodableNames(dir.path()))
         files << dir.filePath(name);
     for (const QString& file : files) {
         const QString name = QFileInfo(file).fileName();
@@ -59,27 +64,30 @@ void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QSt
         QDomDocument doc;
         if (!parseDocumentFile(file, loader, doc, error)) continue;
 
-        if (name.contains(QLatin1String("feature"))) {
+        const unsigned kind = facts::fileKind(name);
+        if (kind & facts::FeatureFile) {
             Feature::s_DeviceFeature feature;
             if (readPart(&DeviceFeatureConfigManager::parseDeviceFeaturecfg, doc, feature))
                 device.feature = std::move(feature);
-        } else if (name.contains(QLatin1String("slot"))) {
+        } else if (kind & facts::SlotFile) {
             Slot::s_VrnSolt slot;
             if (readPart(&SlotConfigManager::parseDeviceSlotcfg, doc, slot)) device.slot = std::move(slot);
         } else {
             // One file may describe a screen, a layer and the cross-card
             // groups at once; a rejected part ends the file.
-            if (name.contains(QLatin1String("screen"))) {
+            if (kind & facts::ScreenFile) {
+                const observe::Record r(RecordKind::Screen, std::size_t(device.screens.size()),
+                                        doc.documentElement());
                 Screen::s_VrnScreen screen;
                 if (!readPart(&ScreenConfigManager::parseDeviceScreencfg, doc, screen)) continue;
                 device.screens.append(std::move(screen));
             }
-            if (name.contains(QLatin1String("layer"))) {
+            if (kind & facts::LayerFile) {
                 Layercfg::s_VrnLayer layer;
                 if (!readPart(&LayerConfigManager::parseDeviceLayercfg, doc, layer)) continue;
                 device.layers.append(std::move(layer));
             }
-            if (name.contains(QLatin1String("crosscard"))) {
+            if (kind & facts::CrosscardFile) {
                 CrossCard::s_CrossSubcards subcards;
                 if (readPart(&CrosscardConfigManager::parseDeviceCrosscardcfg, doc, subcards))
                     device.crossSubcards = std::move(subcards);
@@ -90,8 +98,10 @@ void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QSt
 
 // The slot groups in the order the queries walk them.
 std::array<const Slot::s_SlotAttr*, 7> slotGroups(const Slot::s_Slots& s) {
-    return {&s.mainControlCardSlots, &s.mixCardSlots, &s.inputCardSlots, &s.outputCardSlots,
-            &s.mvrCardSlots,         &s.auxCardSlots, &s.expCardSlots};
+    std::array<const Slot::s_SlotAttr*, 7> groups{};
+    for (std::size_t i = 0; i < groups.size(); ++i)
+        groups[i] = &(s.*facts::kSlotGroups[i].member);
+    return groups;
 }
 
 // The first element of `items` whose `field` equals `key`; null after the
@@ -120,12 +130,13 @@ bool DeviceTessanConfigManager::readConfig(const QString& path, QString& error) 
         QDir(path).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
     for (const QFileInfo& modelDir : modelDirs) {
         bool isNumber = false;
-        const int modelId = modelDir.baseName().toInt(&isNumber); // "29974.old" is model 29974
+        const int modelId = facts::modelOfFolder(modelDir, &isNumber);
         if (!isNumber) {
             qDebug().noquote() << "invalid dir name : " << modelDir.baseName();
             continue;
         }
         // The record is kept even when none of its files can be used.
+        const observe::Record r(RecordKind::Model, std::size_t(m_devices.size()));
         m_devices.append(s_Device{});
         s_Device& device = m_devices.last();
         device.modelId = modelId;
@@ -137,7 +148,7 @@ bool DeviceTessanConfigManager::readConfig(const QString& path, QString& error) 
 // ---- the current device -----------------------------------------------------
 
 quint16 DeviceTessanConfigManager::findDeviceModelId() const {
-    constexpr quint16 kCurrentModelId = 29974;
+    constexpr quint16 kCurrentModelId = facts::kCurrentModel;
     if (m_devices.isEmpty()) {
         qWarning().noquote() << "could not find device's cfg.";
         return 0;

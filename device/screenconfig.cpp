@@ -48,7 +48,10 @@ s_Cell readCell(const QDomElement& e) {
 s_Layout readLayout(const QDomElement& e) {
     s_Layout layout;
     xml::readInts(e, {{"Rows", &layout.rows}, {"Columns", &layout.columns}, {"ScreenId", &layout.screenId}});
-    forEachChild(e, [&](const QDomElement& cell) { layout.cells.push_back(readCell(cell)); });
+    forEachChild(e, [&](const QDomElement& cell) {
+        const observe::Record r(RecordKind::Cell, layout.cells.size(), cell);
+        layout.cells.push_back(readCell(cell));
+    });
     return layout;
 }
 
@@ -62,7 +65,10 @@ s_Templete readTemplete(const QDomElement& e) {
     xml::update(size("Width"), kRange, t.physicalSize.width);
     xml::update(size("Height"), kRange, t.physicalSize.height);
     xml::update(size("Unit"), kOptionHeader, ListFrom::AnyChild, t.physicalSize.unit);
-    forEachChild(c("Layouts"), [&](const QDomElement& layout) { t.layouts.push_back(readLayout(layout)); });
+    forEachChild(c("Layouts"), [&](const QDomElement& layout) {
+        const observe::Record r(RecordKind::Layout, t.layouts.size(), layout);
+        t.layouts.push_back(readLayout(layout));
+    });
     return t;
 }
 
@@ -84,7 +90,10 @@ void readDeviceMode(xml::Section& s, const QDomElement& e, s_DeviceMode& mode) {
     const QDomElement templetes = s.need(c, "Templetes");
     if (!s.complete()) return;
     mode.templetesValue = intAttr(templetes, "Value", "1");
-    forEachChild(templetes, [&](const QDomElement& t) { mode.templetes.push_back(readTemplete(t)); });
+    forEachChild(templetes, [&](const QDomElement& t) {
+        const observe::Record r(RecordKind::Templete, mode.templetes.size(), t);
+        mode.templetes.push_back(readTemplete(t));
+    });
     forEachChild(c("LayerTypes"), [&](const QDomElement& l) { mode.layerTypes.push_back(readLayerType(l)); });
 }
 
@@ -229,6 +238,7 @@ void readScreen(const QDomElement& e, const Loader& loader, QString& error, s_Vr
         screen.deviceModesInfo = xml::readAs<s_SupportInfo>(modes, xml::kLenientPair);
         std::vector<s_DeviceMode> list; // replaces the record's list
         forEachChild(modes, [&](const QDomElement& mode) {
+            const observe::Record r(RecordKind::DeviceMode, list.size(), mode);
             xml::appendComplete(list, error, loader,
                                 [&](xml::Section& s, s_DeviceMode& out) { readDeviceMode(s, mode, out); });
         });

@@ -1,5 +1,6 @@
 #include "device/slotconfig.h"
 
+#include "common/facts.h"
 #include "common/xmlread.h"
 
 namespace LCD {
@@ -18,6 +19,7 @@ enum class Group { Input, Mixed, Other };
 std::vector<Slot::s_InlineSubcard> readInlineSubcards(const QDomElement& subcards) {
     std::vector<Slot::s_InlineSubcard> cards;
     forEachRepeated(subcards, "Subcard", [&](const QDomElement& e) {
+        const observe::Record r(RecordKind::SlotCard, cards.size(), e);
         Slot::s_InlineSubcard card;
         card.moduleId = intAttr(e, "ModuleId", "0");
         forEachRepeated(child(e, "ConnectorGroups"), "ConnectorGroup", [&](const QDomElement& g) {
@@ -33,6 +35,8 @@ std::vector<Slot::s_InlineSubcard> readInlineSubcards(const QDomElement& subcard
 // ("Subcards"): its label, codes and slots are dropped.
 void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     if (group.isNull()) return;
+    const observe::Record r(RecordKind::SlotGroup,
+                            observe::current() ? facts::slotGroupOf(group.tagName()) : 0, group);
     Slot::s_SlotAttr local;
     local.silkScreenName = textAttr(group, "SilkScreenName");
     local.pluginDirection = intAttr(group, "PluginDirection");
@@ -40,6 +44,7 @@ void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     // Every sibling after the first "Slot" is a slot, whatever its name.
     forEachRepeated(group, "Slot", [&](const QDomElement& e) {
         if (kind == Group::Input && !hasAttr(e, "Index")) return; // an input slot without a number is skipped
+        const observe::Record r(RecordKind::Slot, local.slots.size(), e);
         Slot::s_Slot slot;
         slot.index = intAttr(e, "Index");
         if (kind == Group::Mixed) slot.subcards = readInlineSubcards(child(e, "Subcards"));
@@ -47,8 +52,10 @@ void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     });
     const QDomElement subcards = child(group, "Subcards");
     if (subcards.isNull() && kind != Group::Mixed) return;
-    forEachRepeated(subcards, "Subcard",
-                    [&](const QDomElement& e) { local.subcards.push_back({intAttr(e, "ModuleId")}); });
+    forEachRepeated(subcards, "Subcard", [&](const QDomElement& e) {
+        const observe::Record r(RecordKind::GroupCard, local.subcards.size(), e);
+        local.subcards.push_back({intAttr(e, "ModuleId")});
+    });
     out = std::move(local);
 }
 

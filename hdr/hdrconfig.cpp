@@ -1,12 +1,15 @@
 #include "hdr/hdrconfig.h"
 
+#include "common/facts.h"
+
 #include <QtCore/QDebug>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
 #include "common/xmlread.h"
 
-KVC_REGISTER_COMPONENT(LCD::ConfigModel::HDRConfig, "tavio.lcd.configmodel.hdrconfig")
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::HDRConfig,
+                       LCD::ConfigModel::facts::component(LCD::ConfigModel::facts::Component::Hdr).id)
 
 namespace LCD {
 namespace ConfigModel {
@@ -71,11 +74,14 @@ void initTable(HDRConfig& config, const char* fileName, const char* missingText,
     const QMessageLogger log(site.file, site.line, site.function);
     if (!QFileInfo(path).isFile()) {
         log.warning().noquote() << missingText << path;
+        observe::diagnose(DiagnosticKind::FileMissing, QLatin1String(missingText) + QLatin1Char(' ') + path,
+                          {}, nullptr, true);
         return;
     }
     QString error;
     config.readConfig(path, error, table);
     if (!error.isEmpty()) log.warning().noquote() << error;
+    if (!error.isEmpty()) observe::diagnose(DiagnosticKind::FileRejected, error, {}, nullptr, true);
 }
 
 } // namespace
@@ -90,11 +96,13 @@ QString HDRConfig::optionFilePath(const QString& fileName) {
 }
 
 void HDRConfig::initInputConfig() {
+    const observe::Record r(RecordKind::HdrTable, 0);
     initTable(*this, kInputFile, "HDR input config file is not exist,file name:", m_inputConfig,
               LCD_LOG_SITE);
 }
 
 void HDRConfig::initOutputConfig() {
+    const observe::Record r(RecordKind::HdrTable, 1);
     initTable(*this, kOutputFile, "HDR output config file is not exist,file name:", m_outputConfig,
               LCD_LOG_SITE);
 }
@@ -109,11 +117,16 @@ bool HDRConfig::readConfig(const QString& path, QString& error, HDROptionTable& 
 
 void HDRConfig::parseKeyValueInfo(const QDomElement& key, HDROptionTable& out) {
     const HDRKey k{intAttr(key, "Type"), intAttr(key, "Value")};
+    const observe::Record r(RecordKind::HdrKey, std::size_t(k.type), key, k.value);
     forEachRepeated(key, "ValueInfo", [&](const QDomElement& info) {
         std::map<int, std::list<int>>& dependents = out[k];
         const int type = intAttr(info, "Type");
+        const observe::Record setting(RecordKind::HdrSetting, std::size_t(type), info);
         std::list<int> values;
-        forEachRepeated(info, "SupportValue", [&](const QDomElement& v) { values.push_back(intText(v)); });
+        forEachRepeated(info, "SupportValue", [&](const QDomElement& v) {
+            const observe::Record value(RecordKind::HdrValue, values.size(), v);
+            values.push_back(intText(v));
+        });
         dependents.emplace(type, std::move(values)); // the first list of a type wins
     });
 }

@@ -1,9 +1,12 @@
 // Linked into every test: with LCD_TEST_OBSERVER set (CTest runs every test
 // a second time so), a checking observer is attached to every load of the
 // run. It stops the test when a reported number is not what QString::toInt
-// gives for the text read, or a missing lookup has no parent.
+// gives for the text read, a missing lookup has no parent, a record ends
+// that was not the last one started (or one read from an element has none),
+// or a diagnostic has no text (a missing element: no name).
 
 #include <QtCore/QByteArray>
+#include <QtCore/QVector>
 #include <QtCore/QtGlobal>
 
 #include "common/loadobserver.h"
@@ -17,6 +20,20 @@ public:
     void elementMissing(const QDomElement& parent, const char* name) override {
         if (parent.isNull() || !name) qFatal("observer: a missing lookup without parent or name");
     }
+    void recordStarted(const RecordRead& r) override {
+        if (r.element.isNull() && r.kind != RecordKind::Model && r.kind != RecordKind::HdrTable)
+            qFatal("observer: record %d without its element", int(r.kind));
+        m_records << r.kind;
+    }
+    void recordEnded(RecordKind kind) override {
+        if (m_records.isEmpty() || m_records.takeLast() != kind)
+            qFatal("observer: record %d ended out of order", int(kind));
+    }
+    void diagnostic(const LoadDiagnostic& d) override {
+        if (d.text.isEmpty()) qFatal("observer: diagnostic %d without text", int(d.kind));
+        if (d.kind == DiagnosticKind::ElementMissing && !d.name)
+            qFatal("observer: a missing element without its name");
+    }
     void attributeRead(const AttributeRead& r) override {
         if (r.element.isNull() || !r.name || !r.def)
             qFatal("observer: an attribute read without element or name");
@@ -28,6 +45,9 @@ public:
             qFatal("observer: %s='%s' stored as %s (valid %d), QString::toInt gives %d (valid %d)", r.name,
                    qPrintable(r.raw), qPrintable(r.stored), int(r.validNumber), expected, int(ok));
     }
+
+private:
+    QVector<RecordKind> m_records;
 };
 
 struct Attach {

@@ -99,6 +99,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("code");
         const QString slot = "device/29974/29974_slot.xml";
         const QString mosaic = "device/29974/29974_screen_mosaic.xml";
+        const QString splice = "device/29974/29974_screen_splice.xml";
         auto row = [](const char* name, const QString& file, const QString& from, const QString& to,
                       const QStringList& expected,
                       int code) { QTest::newRow(name) << file << from << to << expected << code; };
@@ -126,6 +127,10 @@ private Q_SLOTS:
             {"subcard/2103_dp12_2in.xml:17:connector-type-undescribed"}, 1);
         row("layout cell on an input slot", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"1\"",
             "SlotIndex=\"1\" ConnectorIndex=\"1\"", {mosaic + ":26:layout-slot"}, 1);
+        row("overlapping cells in the splice file", splice,
+            "X=\"0\" Y=\"1080\" Width=\"1920\" Height=\"1080\" Row=\"2\" Column=\"1\" SlotIndex=\"6\"",
+            "X=\"0\" Y=\"0\" Width=\"1920\" Height=\"1080\" Row=\"1\" Column=\"1\" SlotIndex=\"6\"",
+            {splice + ":35:layout-overlap"}, 1);
         row("layout cell on an absent connector", mosaic, "SlotIndex=\"5\" ConnectorIndex=\"4\"",
             "SlotIndex=\"5\" ConnectorIndex=\"9\"", {mosaic + ":29:layout-connector"}, 1);
         row("cross-card member of an unknown card", "device/29974/29974_crosscard.xml",
@@ -141,6 +146,12 @@ private Q_SLOTS:
             {"menu/menufcitems.xml:1:parse", "menu/menufcitems.xml:0:records-lost"}, 1);
         row("HDR value without text", "func/hdr/lcdhdrinputconfig.xml", "<SupportValue>12<",
             "<SupportValue>13<", {"func/hdr/lcdhdrinputconfig.xml:18:hdr-value-without-text"}, 1);
+        row("HDR value read as 0 beside a written 0", "func/hdr/lcdhdrinputconfig.xml",
+            "<!-- AUTO -->\n        <ValueInfo Type=\"0\"> <!-- bit depth -->\n"
+            "            <SupportValue>255</SupportValue>\n            <SupportValue>8<",
+            "<!-- AUTO -->\n        <ValueInfo Type=\"0\"> <!-- bit depth -->\n"
+            "            <SupportValue>255</SupportValue>\n            <SupportValue>eight<",
+            {"func/hdr/lcdhdrinputconfig.xml:16:hdr-value-without-text"}, 1);
         row("duplicated card id", "subcard/2103_dp12_2in.xml", "ModelId=\"2103\"", "ModelId=\"2102\"",
             {"subcard/2103_dp12_2in.xml:6:card-duplicate"}, 1);
         row("empty Chinese card name warns", "subcard/2102_dvi_4in.xml", "<zh_CN>4路DVI输入卡</zh_CN>",
@@ -153,7 +164,8 @@ private Q_SLOTS:
         row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);
         row("card file named with undecodable bytes", "subcard/2102_dvi_4in.xml", "rename",
             "0000%FF%FE_card.xml", {"subcard/0000\\xff\\xfe_card.xml:0:undecodable-name"}, 1);
-        row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>", {"ui/checklist.xml:1:load"}, 1);
+        row("key list without LcdKeys", "ui/checklist.xml", "", "<LCD/>",
+            {"ui/checklist.xml:1:missing-element"}, 1);
         row("missing HDR file warns", "func/hdr/lcdhdrinputconfig.xml", "*", "",
             {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
@@ -194,6 +206,49 @@ private Q_SLOTS:
             QCOMPARE(lcdcfg({"check", "--strict", config}).code, 1);
     }
 
+    // Every verb that reads a tree takes it with --root DIR, and as a positional
+    // ROOT where it has no other positional argument (`positional`, run too
+    // when given, must print the same); $LCD_CONFIG names no tree meanwhile,
+    // so a verb that ignored the option would fail.
+    void everyVerbTakesTheTree_data() {
+        QTest::addColumn<QStringList>("withRoot");
+        QTest::addColumn<QStringList>("positional");
+        QTest::addColumn<int>("code");
+        const QString r = "ROOT";
+        QTest::newRow("check") << QStringList{"check", "--root", r} << QStringList{"check", r} << 0;
+        QTest::newRow("lint") << QStringList{"lint", "--json", "--root", r}
+                              << QStringList{"lint", "--json", r} << 0;
+        QTest::newRow("report") << QStringList{"report", "-o", "-", "--root", r}
+                                << QStringList{"report", "-o", "-", r} << 0;
+        QTest::newRow("show") << QStringList{"show", "keys", "--root", r} << QStringList{} << 0;
+        QTest::newRow("dump") << QStringList{"dump", "--json", "menu", "--root", r} << QStringList{} << 0;
+        QTest::newRow("explain") << QStringList{"explain", "--root", r, "card", "2103"} << QStringList{} << 0;
+        QTest::newRow("diff") << QStringList{"diff", r, "--root", r} << QStringList{"diff", r, r} << 0;
+        QTest::newRow("reference") << QStringList{"reference", "--output", "OUT", "--root", r}
+                                   << QStringList{"reference", "--output", "OUT", r} << 0;
+    }
+
+    void everyVerbTakesTheTree() {
+        QFETCH(QStringList, withRoot);
+        QFETCH(QStringList, positional);
+        QFETCH(int, code);
+        QTemporaryDir dir;
+        const QString config = test::shippedCopy(dir);
+        auto bind = [&](QStringList args) {
+            args.replaceInStrings(QRegularExpression("^ROOT$"), config);
+            args.replaceInStrings(QRegularExpression("^OUT$"), dir.filePath("out"));
+            return args;
+        };
+        const QByteArray saved = qgetenv("LCD_CONFIG");
+        qputenv("LCD_CONFIG", dir.filePath("none").toUtf8());
+        const Run run = lcdcfg(bind(withRoot));
+        const Run other = positional.isEmpty() ? run : lcdcfg(bind(positional));
+        saved.isNull() ? qunsetenv("LCD_CONFIG") : qputenv("LCD_CONFIG", saved);
+        QVERIFY2(run.code == code, qPrintable(run.out + run.err));
+        QCOMPARE(other.code, run.code);
+        QCOMPARE(other.out, run.out);
+    }
+
     // `check` and `check --json` on a small faulty tree, against the files
     // under tests/data/lcdcfg (LCD_UPDATE_GOLDEN=1 rewrites them).
     void goldenOutput_data() {
@@ -229,7 +284,7 @@ private Q_SLOTS:
         QTest::newRow("no command") << QStringList{} << 2 << "usage: lcdcfg COMMAND";
         QTest::newRow("missing plug-in") << QStringList{"plugin", "--plugin", "/nonexistent.so"} << 2
                                          << "plug-in not found: /nonexistent.so";
-        QTest::newRow("missing configuration") << QStringList{"check", "--config", "/nonexistent"} << 2
+        QTest::newRow("missing configuration") << QStringList{"check", "--root", "/nonexistent"} << 2
                                                << "no configuration directory /nonexistent";
         QTest::newRow("two roots") << QStringList{"check", "a", "b"} << 2 << "one ROOT at most";
         QTest::newRow("unknown option") << QStringList{"check", "--frobnicate"} << 2 << "Unknown option";

@@ -43,16 +43,16 @@ private Q_SLOTS:
                                       << "";
         QTest::newRow("parse") << slot << QByteArray("</Vrn>") << QByteArray("") << QByteArray() << "parse"
                                << "Parse error";
-        QTest::newRow("root-name") << "func/hdr/lcdhdrinputconfig.xml" << QByteArray("Kalmir")
-                                   << QByteArray("Kalmar") << QByteArray("<Kalmar") << "root-name"
+        QTest::newRow("root") << "func/hdr/lcdhdrinputconfig.xml" << QByteArray("Kalmir")
+                                   << QByteArray("Kalmar") << QByteArray("<Kalmar") << "root"
                                    << "root <Kalmar> is refused";
-        QTest::newRow("root-version")
+        QTest::newRow("version")
             << "ui/checklist.xml" << QByteArray("version=\"1.0\">") << QByteArray("version=\"2.0\">")
-            << QByteArray("<LCD") << "root-version"
+            << QByteArray("<LCD") << "version"
             << "version=\"2.0\": only \"1.0\" is accepted";
-        QTest::newRow("unread-file") << "device/29974/29974_notes.xml" << QByteArray()
+        QTest::newRow("file-unread") << "device/29974/29974_notes.xml" << QByteArray()
                                      << QByteArray("<Vrn version=\"1.0\"><Device/></Vrn>\n")
-                                     << QByteArray("<Vrn") << "unread-file"
+                                     << QByteArray("<Vrn") << "file-unread"
                                      << "no reader walks this file";
         QTest::newRow("unread-element")
             << "subcard/1001_maincontrol.xml" << QByteArray("<Sections/>") << QByteArray("<Sectons/>")
@@ -70,8 +70,8 @@ private Q_SLOTS:
             << slot << QByteArray("<CrossCard Support") << QByteArray("<CrossCard Suport")
             << QByteArray("<CrossCard") << "unread-attribute"
             << "no reader reads Suport of <CrossCard>; did you mean Support?";
-        QTest::newRow("not-a-number") << slot << QByteArray("Index=\"6\"") << QByteArray("Index=\"six\"")
-                                      << QByteArray("\"six\"") << "not-a-number"
+        QTest::newRow("number-invalid") << slot << QByteArray("Index=\"6\"") << QByteArray("Index=\"six\"")
+                                      << QByteArray("\"six\"") << "number-invalid"
                                       << "Index=\"six\" of <Slot> is not a decimal number (stored as 0)";
         QTest::newRow("boolean-number")
             << slot << QByteArray("<CrossCard Support=\"1\"") << QByteArray("<CrossCard Support=\"true\"")
@@ -145,14 +145,15 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("exitCode");
         const QString shipped = test::sharedConfig(QString());
-        QTest::newRow("explain-slot.txt") << QStringList{"explain", shipped, "slot", "29974", "9"} << 0;
-        QTest::newRow("explain-card.txt") << QStringList{"explain", shipped, "card", "2103"} << 0;
+        QTest::newRow("explain-slot.txt")
+            << QStringList{"explain", "--root", shipped, "slot", "29974", "9"} << 0;
+        QTest::newRow("explain-card.txt") << QStringList{"explain", "--root", shipped, "card", "2103"} << 0;
         QTest::newRow("explain-connector.txt")
-            << QStringList{"explain", shipped, "connector", "13", "2", "0"} << 0;
+            << QStringList{"explain", "--root", shipped, "connector", "13", "2", "0"} << 0;
         QTest::newRow("explain-feature.txt")
-            << QStringList{"explain", shipped, "feature", "29974", "features.genlock.type"} << 0;
+            << QStringList{"explain", "--root", shipped, "feature", "29974", "features.genlock.type"} << 0;
         QTest::newRow("explain-template.txt")
-            << QStringList{"explain", shipped, "template", "29974", "2", "1"} << 0;
+            << QStringList{"explain", "--root", shipped, "template", "29974", "2", "1"} << 0;
         QTest::newRow("lint.json") << QStringList{"lint", "--json",
                                                   QStringLiteral(LCD_SOURCE_DIR
                                                                  "/tests/data/lcdcfg/lint-tree")}

@@ -83,7 +83,7 @@ private Q_SLOTS:
         QTest::newRow("unknown subject") << QStringList{"show", "screens"} << 2 << "cannot show screens";
         QTest::newRow("unknown component")
             << QStringList{"dump", "--json", "screens"} << 2 << "unknown component screens";
-        QTest::newRow("one tree") << QStringList{"diff", "a"} << 2 << "two configuration trees expected";
+        QTest::newRow("one tree") << QStringList{"diff"} << 2 << "OLD and NEW expected";
     }
 
     void answersAndRefusals() {

@@ -1,8 +1,11 @@
 #include "ui/keycheckconfig.h"
 
+#include "common/facts.h"
+
 #include "common/xmlread.h"
 
-KVC_REGISTER_COMPONENT(LCD::ConfigModel::KeyCheckConfig, "tavio.lcd.configmodel.keycheck")
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::KeyCheckConfig,
+                       LCD::ConfigModel::facts::component(LCD::ConfigModel::facts::Component::Keys).id)
 
 namespace LCD {
 namespace ConfigModel {
@@ -19,6 +22,7 @@ bool KeyCheckConfig::readConfig(const QString& path, QString& error) {
     const QDomElement keys = child(doc.documentElement(), "LcdKeys");
     if (keys.isNull()) {
         error = QStringLiteral("node not matches.");
+        observe::diagnose(DiagnosticKind::ElementMissing, error, doc.documentElement(), "LcdKeys");
         return false;
     }
     forEachChild(keys, [this](const QDomElement& key) {

@@ -1,5 +1,7 @@
 #include "ui/menuconfig.h"
 
+#include "common/facts.h"
+
 #include <QtCore/QDebug>
 
 #include <algorithm>
@@ -9,7 +11,8 @@
 
 #include "common/xmlread.h"
 
-KVC_REGISTER_COMPONENT(LCD::ConfigModel::MenuConfigManager, "tavio.lcd.configmodel.menuconfigmanager")
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::MenuConfigManager,
+                       LCD::ConfigModel::facts::component(LCD::ConfigModel::facts::Component::Menu).id)
 
 namespace LCD {
 namespace ConfigModel {

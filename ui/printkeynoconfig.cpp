@@ -1,10 +1,13 @@
 #include "ui/printkeynoconfig.h"
 
+#include "common/facts.h"
+
 #include "common/xmlread.h"
 
 #include <algorithm>
 
-KVC_REGISTER_COMPONENT(LCD::ConfigModel::PrintKeyNoConfig, "tavio.lcd.configmodel.printkeyno")
+KVC_REGISTER_COMPONENT(LCD::ConfigModel::PrintKeyNoConfig,
+                       LCD::ConfigModel::facts::component(LCD::ConfigModel::facts::Component::PrintKeys).id)
 
 namespace LCD {
 namespace ConfigModel {

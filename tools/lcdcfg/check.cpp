@@ -13,12 +13,14 @@
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/rules.h"
+#include "tools/lcdcfg/session.h"
 #include "tools/lcdcfg/trace.h"
 #include "tools/lcdcfg/undecodable.h"
 
 namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
+namespace facts = LCD::ConfigModel::facts;
 
 namespace {
 
@@ -26,100 +28,69 @@ namespace {
 // empty: not reported.
 using FileOf = std::function<QString(const QString& document)>;
 
-// "Error: why" (the device registry's warning) and "why" are the same problem.
-QString reason(const QString& text) {
-    return text.startsWith(QLatin1String("Error: ")) ? text.mid(7) : text;
+// The code of a diagnostic's kind.
+QString codeOf(DiagnosticKind kind) {
+    switch (kind) {
+    case DiagnosticKind::OpenFailed:
+    case DiagnosticKind::TooLarge:
+        return QStringLiteral("open");
+    case DiagnosticKind::ParseFailed:
+        return QStringLiteral("parse");
+    case DiagnosticKind::RootMismatch:
+        return QStringLiteral("root");
+    case DiagnosticKind::VersionMismatch:
+        return QStringLiteral("version");
+    case DiagnosticKind::ElementMissing:
+        return QStringLiteral("missing-element");
+    default:
+        return QStringLiteral("load");
+    }
 }
 
-// "Invalid [X] node." names the missing X.
-QString missingName(const QString& text) {
-    const int open = text.indexOf(QLatin1String("Invalid ["));
-    const int close = text.indexOf(QLatin1String("] node."), open);
-    return open < 0 || close < 0 ? QString() : text.mid(open + 9, close - open - 9);
+bool isFailure(DiagnosticKind kind) {
+    return kind != DiagnosticKind::ElementMissing && kind != DiagnosticKind::FileRejected &&
+           kind != DiagnosticKind::FileMissing;
 }
 
-// What the library wrote while `load` ran: the documents that failed, every
-// warning, and the loader's error text, each once, at its position.
-void addLoadProblems(const PartLoad& load, const Trace& trace, const FileOf& fileOf, const QString& inputName,
+// What the library told while `load` ran: the documents that failed, every
+// logged diagnostic and the loader's error text, each once, placed where
+// its cause is (the event of the same text that names an element).
+void addLoadProblems(const PartLoad& load, const FileOf& fileOf, const QString& inputName,
                      Problems& problems) {
     if (!load.missing.isEmpty()) {
         problems.add({fileOf(load.missing), 0, 0, Severity::Error, QStringLiteral("directory-missing"),
                       QStringLiteral("no such directory: the host would create it empty and load nothing")});
         return;
     }
-    QStringList seen; // "document\nreason" already reported
-    auto add = [&](const QString& document, int line, int column, Severity severity, QString code,
-                   QString text) {
-        // before the first document: the input the text names, else the first
-        QString file = document.isEmpty() ? inputName : fileOf(document);
-        for (const QString& input : document.isEmpty() ? load.inputs : QStringList())
-            if (text.contains(QFileInfo(input).fileName()) && !fileOf(input).isEmpty()) file = fileOf(input);
-        const QString key = document + QLatin1Char('\n') + reason(text);
+    const QVector<Diagnostic>& events = load.diagnostics;
+    QSet<QString> seen; // "document\ntext" already reported
+    auto add = [&](int i, Severity severity) {
+        const Diagnostic& d = events[i];
+        const QString file = d.document.isEmpty() ? inputName : fileOf(d.document);
+        const QString key = d.document + QLatin1Char('\n') + d.text;
         if (file.isEmpty() || seen.contains(key)) return;
-        seen << key;
-        const QString name = missingName(text);
-        if (!name.isEmpty()) {
-            code = QStringLiteral("missing-element");
-            if (const Missing* missing = trace.lastMissing(document, name)) {
-                line = missing->line;
-                column = missing->column;
-                text += QStringLiteral(" (missing %1)").arg(missing->path);
-            }
-        }
-        problems.add({file, line, column, severity, code, text});
+        seen.insert(key);
+        const Diagnostic* cause = &d;
+        for (int j = i; j >= 0 && cause->kind == DiagnosticKind::FileRejected; --j)
+            if (events[j].document == d.document && events[j].text == d.text) cause = &events[j];
+        const QString text =
+            cause->missing.isEmpty() ? d.text : QStringLiteral("%1 (missing %2)").arg(d.text, cause->missing);
+        problems.add({file, cause->line, cause->column, severity, codeOf(cause->kind), text});
     };
-    for (const DocumentFailure& f : trace.failures()) {
-        if (!load.documents.contains(f.document)) continue;
-        const QString code = f.rejected
-                                 ? (f.error.contains(QLatin1String("version")) ? QStringLiteral("version")
-                                                                               : QStringLiteral("root"))
-                             : f.line > 0 ? QStringLiteral("parse")
-                                          : QStringLiteral("open");
-        add(f.document, f.line, f.column, Severity::Error, code, f.error);
-    }
-    for (const Diagnostic& d : load.diagnostics) {
-        if (d.type == QtDebugMsg || d.type == QtInfoMsg) continue;
-        const bool error = d.type != QtWarningMsg || d.text.startsWith(QLatin1String("Error:"));
-        add(d.document, d.line, d.column, error ? Severity::Error : Severity::Warning, QStringLiteral("load"),
-            d.text);
-    }
-    // the loader's error repeats the last failure's text (not always of the last document)
-    const bool repeated = std::any_of(seen.begin(), seen.end(), [&](const QString& key) {
-        return key.section(QLatin1Char('\n'), 1) == reason(load.error);
-    });
-    if (!load.error.isEmpty() && !repeated) {
-        // the loader's error is left by the file that failed: a missing
-        // element's by the last file where that lookup failed, any other's by
-        // the last file opened, at the last lookup that failed there
-        const QString name = missingName(load.error);
-        QString document = load.documents.isEmpty() ? QString() : load.documents.last();
-        const Missing* cause = nullptr;
-        for (const Missing& m : trace.missing())
-            if (load.documents.contains(m.document) &&
-                (name.isEmpty() ? m.document == document : m.name == name))
-                cause = &m;
-        if (cause) document = cause->document;
-        if (!name.isEmpty() || load.ok) cause = nullptr; // placed by add(), or not the cause
-        // a connector load that goes on has dropped a description: an error too
-        const bool error = !load.ok || load.part == Part::Connectors;
-        add(document, cause ? cause->line : 0, cause ? cause->column : 0,
-            error ? Severity::Error : Severity::Warning, QStringLiteral("load"),
-            cause ? QStringLiteral("%1 (missing %2)").arg(load.error, cause->path) : load.error);
-    }
-}
-
-// The card or connector files of a folder in the order the directory loaders
-// take them (the card folder's direct sub-directories too).
-QStringList filesOf(const QString& folder, bool subdirectories) {
-    QStringList folders{folder};
-    if (subdirectories)
-        for (const QFileInfo& sub : QDir(folder).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
-            folders << sub.filePath();
-    QStringList files;
-    for (const QString& dir : folders)
-        for (const QFileInfo& file : QDir(dir).entryInfoList({QStringLiteral("*.xml")}, QDir::Files))
-            files << file.absoluteFilePath();
-    return files;
+    for (int i = 0; i < events.size(); ++i)
+        if (isFailure(events[i].kind) || events[i].logged)
+            add(i, isFailure(events[i].kind) || events[i].kind == DiagnosticKind::FileRejected
+                       ? Severity::Error
+                       : Severity::Warning);
+    if (load.error.isEmpty()) return;
+    // the loader's error repeats the text of the event that left it; a
+    // connector load that goes on has dropped a description: an error too
+    const Severity severity = !load.ok || load.part == Part::Connectors ? Severity::Error : Severity::Warning;
+    for (int i = events.size() - 1; i >= 0; --i)
+        if (events[i].text == load.error) return add(i, severity);
+    const QString document = load.documents.isEmpty() ? QString() : load.documents.last();
+    const QString file = document.isEmpty() ? inputName : fileOf(document);
+    if (!file.isEmpty()) problems.add({file, 0, 0, severity, QStringLiteral("load"), load.error});
 }
 
 // The ids a component holds: card models, or the connector types its files name.
@@ -137,37 +108,52 @@ QSet<int> idsOf(const Tree& tree, Part part, const Trace& trace) {
     return ids;
 }
 
-// Loads `file` alone into a fresh component: a temporary root whose folder
-// for `part` holds only a link to it (the menu tree beside an empty function
-// item file). Adds its problems under the tree's name of the file; returns
-// the ids it loaded.
-QSet<int> loadAlone(const Tree& tree, Part part, const QString& file, Problems& problems) {
+// The card models a file names (its cards read before the load stopped there).
+QSet<int> namedIn(const Trace& trace, const QString& document) {
+    QSet<int> ids;
+    for (const Site* site :
+         trace.find([&](const QString& d) { return d == document; }, QStringLiteral("Subcard"), {}))
+        if (site->values.contains(QStringLiteral("ModelId")))
+            ids.insert(site->values.value(QStringLiteral("ModelId")).toInt());
+    return ids;
+}
+
+// Loads `files` into a fresh component, in this order, through one scratch
+// folder of links (the menu tree: beside an empty function item file). Adds
+// their problems under the tree's names of the files; returns the ids the
+// load holds, with the models the file it stopped at names, and that file
+// in `stop` (empty when it read them all).
+QSet<int> loadFiles(const Tree& tree, Part part, const QStringList& files, Problems& problems,
+                    QString* stop) {
+    stop->clear();
     QTemporaryDir scratch;
     const QStringList inputs = Tree::inputsOf(part, scratch.path());
     const bool menu = part == Part::Menu;
     const QString folder = menu ? QFileInfo(inputs.first()).absolutePath() : inputs.first();
-    const QString link = menu ? inputs.last() : QDir(folder).filePath(QFileInfo(file).fileName());
     QFile stub(inputs.first());
     if (!scratch.isValid() || !QDir().mkpath(folder) || (menu && !stub.open(QIODevice::WriteOnly)) ||
-        (menu && stub.write("<LCD version=\"1.0\"/>\n") < 0) || !QFile::link(file, link))
+        (menu && stub.write("<LCD version=\"1.0\"/>\n") < 0))
         return {};
     stub.close();
+    QHash<QString, QString> names; // link to the file
+    for (int i = 0; i < files.size(); ++i) {
+        const QString link = menu ? inputs.last()
+                                  : QDir(folder).filePath(QStringLiteral("%1-%2")
+                                                              .arg(i, 6, 10, QLatin1Char('0'))
+                                                              .arg(QFileInfo(files[i]).fileName()));
+        if (!QFile::link(files[i], link)) return {};
+        names.insert(QFileInfo(link).absoluteFilePath(), files[i]);
+    }
     Tree alone(tree.host(), scratch.path());
     Trace trace;
     alone.load({part}, &trace);
-    const QString name = tree.relative(file);
-    const QString linked = QFileInfo(link).absoluteFilePath();
+    const PartLoad& load = *alone.loadOf(part);
     addLoadProblems(
-        *alone.loadOf(part), trace,
-        [&](const QString& document) { return document == linked ? name : QString(); }, name, problems);
-    QSet<int> ids = idsOf(alone, part, trace);
-    // a card file that fails after naming its models loses those to the host too
-    if (part == Part::Cards && !alone.loadOf(part)->ok)
-        for (const Site* site :
-             trace.find([](const QString&) { return true; }, QStringLiteral("Subcard"), {}))
-            if (site->values.contains(QStringLiteral("ModelId")))
-                ids.insert(site->values.value(QStringLiteral("ModelId")).toInt());
-    return ids;
+        load, [&](const QString& document) { return tree.relative(names.value(document)); },
+        tree.relative(files.value(0)), problems);
+    const QString last = load.documents.isEmpty() ? QString() : load.documents.last();
+    *stop = load.ok ? QString() : names.value(last);
+    return idsOf(alone, part, trace) + (load.ok ? QSet<int>() : namedIn(trace, last));
 }
 
 QString joined(QSet<int> ids) {
@@ -179,16 +165,22 @@ QString joined(QSet<int> ids) {
     return texts.join(QStringLiteral(", "));
 }
 
-// Cards and connectors: every file on its own, so that each bad one is named;
-// the ids only those loads have are what the host loses. Returns them.
+// Cards and connectors: where the host's load stops at a bad file, the files
+// after it are loaded too (again after each file that stops a load), so
+// that each bad one is named; the ids only those loads have are what the
+// host loses. Returns them.
 QSet<int> checkEachFile(Tree& tree, Part part, const Trace& trace, Problems& problems) {
     const PartLoad* load = tree.loadOf(part);
-    if (!load || !load->attempted) return {};
-    QSet<int> alone;
-    for (const QString& file : filesOf(load->inputs.first(), part == Part::Cards))
-        alone += loadAlone(tree, part, file, problems);
-    const QSet<int> lost = alone - idsOf(tree, part, trace);
-    if (!lost.isEmpty() && !load->documents.isEmpty())
+    if (!load || !load->attempted || load->ok || load->documents.isEmpty()) return {};
+    const QString folder = load->inputs.first();
+    const QStringList files =
+        part == Part::Cards ? facts::catalogueFiles(folder) : facts::connectorFiles(folder);
+    QString stop = load->documents.last();
+    QSet<int> named = namedIn(trace, stop);
+    for (int at = files.indexOf(stop); at >= 0 && at + 1 < files.size(); at = files.indexOf(stop))
+        named += loadFiles(tree, part, files.mid(at + 1), problems, &stop);
+    const QSet<int> lost = named - idsOf(tree, part, trace);
+    if (!lost.isEmpty())
         problems.add(
             {tree.relative(load->documents.last()), 0, 0, Severity::Error, QStringLiteral("records-lost"),
              QStringLiteral("the host's load stops at this file and loses %1 %2")
@@ -204,7 +196,9 @@ void checkMenuTree(const Tree& tree, Problems& problems) {
     problems.add({tree.relative(load->inputs.first()), 0, 0, Severity::Error, QStringLiteral("records-lost"),
                   QStringLiteral("the host's load stops at this file and reads no menu tree from %1")
                       .arg(tree.relative(load->inputs.last()))});
-    if (QFileInfo::exists(load->inputs.last())) loadAlone(tree, Part::Menu, load->inputs.last(), problems);
+    QString stop;
+    if (QFileInfo::exists(load->inputs.last()))
+        loadFiles(tree, Part::Menu, {load->inputs.last()}, problems, &stop);
 }
 
 } // namespace
@@ -212,7 +206,7 @@ void checkMenuTree(const Tree& tree, Problems& problems) {
 void checkTree(Tree& tree, const Trace& trace, Problems& problems) {
     for (const PartLoad& load : tree.loads())
         addLoadProblems(
-            load, trace, [&](const QString& document) { return tree.relative(document); },
+            load, [&](const QString& document) { return tree.relative(document); },
             tree.relative(load.inputs.first()), problems);
     RuleRun run(tree, trace, problems);
     run.lostCards = checkEachFile(tree, Part::Cards, trace, problems);
@@ -236,33 +230,17 @@ int runCheck(const QStringList& args) {
         QStringLiteral("Checks a configuration tree: every problem as PATH:LINE:COLUMN, exit 0 when "
                        "clean, 1 with errors (or warnings with --strict), 2 on bad usage."),
         QStringLiteral("[ROOT]"));
-    const QCommandLineOption configOption(QStringLiteral("config"),
-                                          QStringLiteral("Configuration root (same as ROOT)."),
-                                          QStringLiteral("dir"));
-    const QCommandLineOption jsonOption(QStringLiteral("json"),
-                                        QStringLiteral("One JSON object for machines."));
     const QCommandLineOption strictOption(QStringLiteral("strict"), QStringLiteral("Warnings fail too."));
-    cl.addOption(configOption);
-    cl.addOption(jsonOption);
     cl.addOption(strictOption);
+    Session session(cl, Session::RootPositional, Session::Json);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    const QStringList positional = cl.positional();
-    if (positional.size() > 1 || (!positional.isEmpty() && cl.isSet(configOption)))
-        return cl.usage(QStringLiteral("one ROOT at most"));
-    const QString root = cl.isSet(configOption) ? cl.value(configOption)
-                         : positional.isEmpty() ? defaultRoot()
-                                                : positional.first();
-    kvchost::PluginHost* host = cl.host();
-    if (!host) return kUsage;
-
-    Tree tree(*host, root);
+    if (!session.parse(args, &code)) return code;
+    Trace trace;
+    const std::unique_ptr<Tree> tree = session.load(&trace);
+    if (!tree) return kUsage;
     Problems problems;
-    if (!checkTree(tree, problems)) {
-        err() << "lcdcfg: " << tree.error() << "\n";
-        return kUsage;
-    }
-    problems.print(out(), cl.isSet(jsonOption), !cl.isSet(jsonOption) && outIsTerminal());
+    checkTree(*tree, trace, problems);
+    problems.print(out(), session.json(), !session.json() && outIsTerminal());
     const bool fails = problems.count(Severity::Error) > 0 ||
                        (cl.isSet(strictOption) && problems.count(Severity::Warning) > 0);
     return fails ? kProblems : kClean;

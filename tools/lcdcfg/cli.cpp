@@ -22,6 +22,27 @@ bool outIsTerminal() {
     return isatty(STDOUT_FILENO) == 1 && qEnvironmentVariableIsEmpty("NO_COLOR");
 }
 
+namespace {
+int g_quiet = 0;
+
+void libraryMessage(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (g_quiet > 0 || type == QtDebugMsg || type == QtInfoMsg) return;
+    err() << "lcdcfg: library: " << text << "\n";
+    err().flush();
+}
+} // namespace
+
+LibraryMessages::LibraryMessages() : m_previous(qInstallMessageHandler(&libraryMessage)) {}
+LibraryMessages::~LibraryMessages() {
+    qInstallMessageHandler(m_previous);
+}
+QuietLibrary::QuietLibrary() {
+    ++g_quiet;
+}
+QuietLibrary::~QuietLibrary() {
+    --g_quiet;
+}
+
 QString defaultRoot() {
     const QString fromEnvironment = qEnvironmentVariable("LCD_CONFIG");
     if (!fromEnvironment.isEmpty()) return fromEnvironment;

@@ -22,6 +22,29 @@ bool outIsTerminal();
 // Exit statuses shared by every verb.
 enum Exit { kClean = 0, kProblems = 1, kUsage = 2 };
 
+// The one message handler of the process, installed by main() for the run
+// and restored when it ends. What the library writes while a tree loads or
+// rules run is muted (it reaches lcdcfg as structured events); anything
+// else but debug output is printed as "lcdcfg: library: TEXT".
+class LibraryMessages {
+public:
+    LibraryMessages();
+    ~LibraryMessages();
+    LibraryMessages(const LibraryMessages&) = delete;
+    LibraryMessages& operator=(const LibraryMessages&) = delete;
+
+private:
+    QtMessageHandler m_previous;
+};
+// A scope during which the library's messages are muted.
+class QuietLibrary {
+public:
+    QuietLibrary();
+    ~QuietLibrary();
+    QuietLibrary(const QuietLibrary&) = delete;
+    QuietLibrary& operator=(const QuietLibrary&) = delete;
+};
+
 // The shipped configuration: $LCD_CONFIG, else share/config beside the
 // installed tool, else the source tree's.
 QString defaultRoot();

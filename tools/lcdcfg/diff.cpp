@@ -223,9 +223,13 @@ private:
     }
 };
 
-QJsonObject dumpOf(Session& session, const QString& root, bool* ok) {
+// The dump of `root`; `why` gets what its loads did not read ("cards:
+// FILE:LINE: TEXT" per line), so that records missing for that reason are
+// not taken for removals without a word.
+QJsonObject dumpOf(Session& session, const QString& root, bool* ok, QString* why) {
     const std::unique_ptr<Tree> tree = session.load(root);
     *ok = tree != nullptr;
+    if (tree) *why = tree->failures();
     return tree ? dumpTree(*tree) : QJsonObject();
 }
 
@@ -233,25 +237,31 @@ QJsonObject dumpOf(Session& session, const QString& root, bool* ok) {
 
 int runDiff(const QStringList& args) {
     CommandLine cl(QStringLiteral("diff"),
-                   QStringLiteral("Prints what changed between two configuration trees, record by record. "
-                                  "Exit status 0 when they are equal, 1 when they differ."),
-                   QStringLiteral("OLD NEW"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("The changes as JSON."));
-    cl.addOption(json);
-    Session session(cl, false);
+                   QStringLiteral("Prints what changed between two configuration trees, record by record "
+                                  "(NEW: --root, else the default tree). Exit status 0 when they are "
+                                  "equal, 1 when they differ."),
+                   QStringLiteral("OLD [NEW]"));
+    Session session(cl, Session::OtherPositional, Session::Json);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    const QStringList roots = cl.positional();
-    if (roots.size() != 2) return cl.usage(QStringLiteral("two configuration trees expected"));
+    if (!session.parse(args, &code)) return code;
+    QStringList roots = session.positional();
+    if (roots.size() == 1) roots << session.root();
+    if (roots.size() != 2 || (session.rootGiven() && session.positional().size() == 2))
+        return cl.usage(QStringLiteral("OLD and NEW expected (NEW positional or --root)"));
     bool ok = false;
-    const QJsonObject before = dumpOf(session, roots[0], &ok);
+    QString whyBefore, whyAfter;
+    const QJsonObject before = dumpOf(session, roots[0], &ok, &whyBefore);
     if (!ok) return kUsage;
-    const QJsonObject after = dumpOf(session, roots[1], &ok);
+    const QJsonObject after = dumpOf(session, roots[1], &ok, &whyAfter);
     if (!ok) return kUsage;
+    // what a tree's loads did not read, said before the changes it explains
+    for (const auto& [root, why] : {std::make_pair(roots[0], whyBefore), std::make_pair(roots[1], whyAfter)})
+        for (const QString& line : why.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+            err() << "lcdcfg diff: " << root << ": not everything was read: " << line << "\n";
 
     Differ differ;
     differ.compare(before, after, Place());
-    if (cl.isSet(json)) {
+    if (session.json()) {
         QJsonArray list;
         for (const Change& c : differ.changes) {
             QJsonObject o{{QStringLiteral("kind"), c.kind},

@@ -15,19 +15,17 @@ int runDump(const QStringList& args) {
                        "when COMPONENT names one: devices, cards, connectors, menu, hdr, key-check, "
                        "print-keys)."),
         QStringLiteral("[COMPONENT]"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("JSON output (the only format)."));
-    cl.addOption(json);
-    Session session(cl, false);
+    Session session(cl, Session::OtherPositional, Session::Json); // JSON is its only format
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    const QStringList positional = cl.positional();
+    if (!session.parse(args, &code)) return code;
+    const QStringList positional = session.positional();
     if (positional.size() > 1) return cl.usage(QStringLiteral("one COMPONENT at most"));
     Part part = Part::Devices;
     if (!positional.isEmpty() && !parsePart(positional.first(), &part))
         return cl.usage(QStringLiteral("unknown component %1").arg(positional.first()));
 
     const std::unique_ptr<Tree> tree =
-        session.load(session.root(), positional.isEmpty() ? QVector<Part>{} : QVector<Part>{part});
+        session.load(positional.isEmpty() ? QVector<Part>{} : QVector<Part>{part});
     if (!tree) return kUsage;
     QJsonObject dump = dumpTree(*tree);
     if (!positional.isEmpty())

@@ -3,6 +3,7 @@
 // line it was read from, or "default" when no file stated it.
 
 #include "tools/lcdcfg/cli.h"
+#include "tools/lcdcfg/session.h"
 #include "tools/lcdcfg/trace.h"
 #include "tools/lcdcfg/tree.h"
 
@@ -356,13 +357,14 @@ int runExplain(const QStringList& args) {
         QStringLiteral("Answers a question about a configuration tree and shows, for every value,\n"
                        "the file and line it was read from, or \"default\".\n\n") +
             QLatin1String(kForms),
-        QStringLiteral("ROOT QUESTION..."));
+        QStringLiteral("QUESTION..."));
+    Session session(cl, Session::OtherPositional, Session::NoJson);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    const QStringList p = cl.positional();
-    if (p.size() < 2) return cl.usage(QStringLiteral("ROOT and a question expected"));
-    const QString question = p[1];
-    const QStringList q = p.mid(2);
+    if (!session.parse(args, &code)) return code;
+    const QStringList p = session.positional();
+    if (p.isEmpty()) return cl.usage(QStringLiteral("a question expected"));
+    const QString question = p[0];
+    const QStringList q = p.mid(1);
     int n[3] = {0, 0, 0};
     auto ints = [&](int count) {
         if (q.size() < count) return false;
@@ -382,17 +384,13 @@ int runExplain(const QStringList& args) {
     else if (question == QLatin1String("template") && q.size() == 3 && ints(2))
         form = Template;
     else
-        return cl.usage(QStringLiteral("unknown question: %1\n%2")
-                            .arg(p.mid(1).join(QLatin1Char(' ')), QLatin1String(kForms)));
+        return cl.usage(
+            QStringLiteral("unknown question: %1\n%2").arg(p.join(QLatin1Char(' ')), QLatin1String(kForms)));
 
-    kvchost::PluginHost* host = cl.host();
-    if (!host) return kUsage;
     Trace trace;
-    Tree tree(*host, p[0]);
-    if (!tree.load(&trace)) {
-        err() << "lcdcfg: " << tree.error() << "\n";
-        return kUsage;
-    }
+    const std::unique_ptr<Tree> loaded = session.load(&trace);
+    if (!loaded) return kUsage;
+    const Tree& tree = *loaded;
     Answer answer(tree, trace);
     int found = -1;
     switch (form) {
@@ -413,7 +411,10 @@ int runExplain(const QStringList& args) {
         break;
     }
     if (found != 0) {
-        out() << "no answer: " << p.mid(1).join(QLatin1Char(' ')) << " is not in " << tree.root() << "\n";
+        out() << "no answer: " << p.join(QLatin1Char(' ')) << " is not in " << tree.root() << "\n";
+        if (const QString why = tree.failures(); !why.isEmpty())
+            out() << "(the load did not read everything: "
+                  << QString(why).replace(QLatin1Char('\n'), QLatin1String("; ")) << ")\n";
         return kProblems;
     }
     answer.print();

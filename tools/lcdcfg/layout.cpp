@@ -1,5 +1,7 @@
 #include "tools/lcdcfg/layout.h"
 
+#include "common/facts.h"
+
 #include <QtCore/QMap>
 
 #include <algorithm>
@@ -102,13 +104,10 @@ QString code(Fault fault) {
 }
 
 QVector<SlotGroup> slotGroups(const Slot::s_Slots& chassis) {
-    return {{"MainControlCardSlots", &chassis.mainControlCardSlots},
-            {"MixCardSlots", &chassis.mixCardSlots},
-            {"InputCardSlots", &chassis.inputCardSlots},
-            {"OutputCardSlots", &chassis.outputCardSlots},
-            {"MVRCardSlots", &chassis.mvrCardSlots},
-            {"AUXCardSlots", &chassis.auxCardSlots},
-            {"EXPCardSlots", &chassis.expCardSlots}};
+    QVector<SlotGroup> groups;
+    for (const LCD::ConfigModel::facts::SlotGroupFacts& group : LCD::ConfigModel::facts::kSlotGroups)
+        groups.push_back({group.element, &(chassis.*group.member)});
+    return groups;
 }
 
 Feeds feedsOf(const Slot::s_Slots& chassis, const std::vector<Subcard::s_Subcard>& catalogue) {

@@ -8,6 +8,7 @@
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/problems.h"
+#include "tools/lcdcfg/session.h"
 #include "tools/lcdcfg/trace.h"
 #include "tools/lcdcfg/tree.h"
 
@@ -24,14 +25,14 @@ struct Rule {
 
 const Rule kRules[] = {
     {"parse", "the file cannot be opened or parsed"},
-    {"root-name", "the root element is not the one the loader expects; the file is refused"},
-    {"root-version", "the root \"version\" is not \"1.0\"; the file is refused"},
-    {"unread-file", "no reader walks this file (its name or first element does not say what it is)"},
+    {"root", "the root element is not the one the loader expects; the file is refused"},
+    {"version", "the root \"version\" is not \"1.0\"; the file is refused"},
+    {"file-unread", "no reader walks this file (its name or first element does not say what it is)"},
     {"unread-element", "no walk reaches the element (a misspelt name, or one no reader knows)"},
     {"duplicate-element", "a second element of a name where only the first is read"},
     {"ignored-element", "a walk reaches the element but reads nothing of it"},
     {"unread-attribute", "no reader reads the attribute"},
-    {"not-a-number", "a number whose text is not a decimal number; it is stored as 0"},
+    {"number-invalid", "a number whose text is not a decimal number; it is stored as 0"},
     {"boolean-number", "\"true\" or \"false\" where a number is read; it is stored as 0"},
     {"hex-number", "a hexadecimal number where a decimal one is read; it is stored as 0"},
     {"number-overflow", "a number that does not fit its field; it is stored as 0"},
@@ -100,15 +101,15 @@ void Linter::document(const DocumentTrace& d) {
     if (!d.rejected.isEmpty()) {
         const QString version = root.attribute(QStringLiteral("version"));
         if (root.hasAttribute(QStringLiteral("version")) && version != QLatin1String("1.0"))
-            add(root, "root-version",
+            add(root, "version",
                 QStringLiteral("version=\"%1\": only \"1.0\" is accepted (%2)").arg(version, d.rejected));
         else
-            add(root, "root-name", QStringLiteral("root %1 is refused: %2").arg(tag(root), d.rejected));
+            add(root, "root", QStringLiteral("root %1 is refused: %2").arg(tag(root), d.rejected));
         return;
     }
     const ElementTrace* rootTrace = d.at(root);
     if (!rootTrace || !rootTrace->lookedInto) {
-        add(root, "unread-file", QStringLiteral("no reader walks this file"));
+        add(root, "file-unread", QStringLiteral("no reader walks this file"));
         return;
     }
     QVector<QDomElement> pending{root};
@@ -225,7 +226,7 @@ void Linter::number(const QDomElement& e, const QString& what, const QString& te
         add(e, "number-overflow",
             QStringLiteral("%1 is outside %2 (%3)").arg(what, QLatin1String(range), stored));
     } else {
-        add(e, "not-a-number", QStringLiteral("%1 is not a decimal number (%2)").arg(what, stored));
+        add(e, "number-invalid", QStringLiteral("%1 is not a decimal number (%2)").arg(what, stored));
     }
 }
 
@@ -257,17 +258,16 @@ int runLint(const QStringList& args) {
                        "attributes and elements no reader reads, numbers that read as 0, texts\n"
                        "that are not read. Exit 1 when anything is reported."),
         QStringLiteral("[ROOT]"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print the problems as JSON."));
+    Session session(cl, Session::RootPositional, Session::Json);
     const QCommandLineOption ignore(QStringLiteral("ignore"),
                                     QStringLiteral("Do not report CODE (repeat, or separate with commas)."),
                                     QStringLiteral("CODE"));
     const QCommandLineOption rules(QStringLiteral("rules"),
                                    QStringLiteral("List the rules and their codes."));
-    cl.addOption(json);
     cl.addOption(ignore);
     cl.addOption(rules);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
+    if (!session.parse(args, &code)) return code;
     if (cl.isSet(rules)) {
         for (const Rule& rule : kRules)
             out() << qSetFieldWidth(20) << Qt::left << rule.code << qSetFieldWidth(0) << rule.summary << "\n";
@@ -282,18 +282,11 @@ int runLint(const QStringList& args) {
             ignored.insert(c);
         }
     }
-    const QStringList positional = cl.positional();
-    if (positional.size() > 1) return cl.usage(QStringLiteral("one ROOT at most"));
-    const QString root = positional.isEmpty() ? defaultRoot() : positional.first();
-    kvchost::PluginHost* host = cl.host();
-    if (!host) return kUsage;
-
     Trace trace;
-    Tree tree(*host, root);
-    if (!tree.load(&trace)) {
-        err() << "lcdcfg: " << tree.error() << "\n";
-        return kUsage;
-    }
+    const std::unique_ptr<Tree> loaded = session.load(&trace);
+    if (!loaded) return kUsage;
+    const Tree& tree = *loaded;
+    kvchost::PluginHost* host = cl.host();
     // What the readers look for, from this load and from the shipped tree.
     Vocabulary vocabulary;
     vocabulary.add(trace);
@@ -309,7 +302,7 @@ int runLint(const QStringList& args) {
     for (const Problem& p : all.list())
         if (!ignored.contains(p.code)) problems.add(p);
     problems.sort();
-    problems.print(out(), cl.isSet(json), outIsTerminal());
+    problems.print(out(), session.json(), !session.json() && outIsTerminal());
     return problems.list().isEmpty() ? kClean : kProblems;
 }
 

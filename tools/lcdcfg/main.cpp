@@ -46,6 +46,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("lcdcfg"));
     QCoreApplication::setApplicationVersion(QStringLiteral(LCD_VERSION));
 
+    const lcdcfg::LibraryMessages messages;
     QStringList args = app.arguments().mid(1);
     if (args.isEmpty()) return usage(lcdcfg::err(), lcdcfg::kUsage);
     const QString command = args.first();

@@ -1,38 +1,17 @@
 // lcdcfg plugin: the plug-in record and its seven components, as the host sees them.
 
-#include <QtCore/QHash>
-
+#include "common/facts.h"
 #include "tools/lcdcfg/cli.h"
 
 namespace lcdcfg {
 
 namespace {
 
-// The interface each component is used through, in table order.
-const char* interfaceOf(const QString& id) {
-    static const QHash<QString, const char*> interfaces = {
-        {QStringLiteral("tavio.lcd.configmodel.device"), "DeviceConfigInterface"},
-        {QStringLiteral("tavio.lcd.configmodel.subcard"), "SubcardConfigInterface"},
-        {QStringLiteral("tavio.lcd.configmodel.connector"), "ConnectorConfigInterface"},
-        {QStringLiteral("tavio.lcd.configmodel.menuconfigmanager"), "MenuConfigInterface"},
-        {QStringLiteral("tavio.lcd.configmodel.hdrconfig"), "IHDRConfig"},
-        {QStringLiteral("tavio.lcd.configmodel.keycheck"), "IKeyCheckConfig"},
-        {QStringLiteral("tavio.lcd.configmodel.printkeyno"), "IPrintKeyNoConfig"},
-    };
-    return interfaces.value(id, "?");
-}
-
-const char* classOf(const QString& id) {
-    static const QHash<QString, const char*> classes = {
-        {QStringLiteral("tavio.lcd.configmodel.device"), "DeviceTessanConfigManager"},
-        {QStringLiteral("tavio.lcd.configmodel.subcard"), "SubcardConfigManager"},
-        {QStringLiteral("tavio.lcd.configmodel.connector"), "ConnectorConfigManager"},
-        {QStringLiteral("tavio.lcd.configmodel.menuconfigmanager"), "MenuConfigManager"},
-        {QStringLiteral("tavio.lcd.configmodel.hdrconfig"), "HDRConfig"},
-        {QStringLiteral("tavio.lcd.configmodel.keycheck"), "KeyCheckConfig"},
-        {QStringLiteral("tavio.lcd.configmodel.printkeyno"), "PrintKeyNoConfig"},
-    };
-    return classes.value(id, "?");
+// The facts of the component `id` (the library's table), or null.
+const LCD::ConfigModel::facts::ComponentFacts* factsOf(const QString& id) {
+    for (const LCD::ConfigModel::facts::ComponentFacts& c : LCD::ConfigModel::facts::kComponents)
+        if (id == QLatin1String(c.id)) return &c;
+    return nullptr;
 }
 
 } // namespace
@@ -56,8 +35,10 @@ int runPlugin(const QStringList& args) {
     int position = 1;
     for (const kvc::ComponentInfo* c : host.components()) {
         const QString id = QLatin1String(c->id);
+        const LCD::ConfigModel::facts::ComponentFacts* known = factsOf(id);
         out() << "  " << position++ << "  " << qSetFieldWidth(42) << Qt::left << id << qSetFieldWidth(27)
-              << classOf(id) << qSetFieldWidth(0) << interfaceOf(id) << "\n";
+              << (known ? known->className : "?") << qSetFieldWidth(0) << (known ? known->interface : "?")
+              << "\n";
     }
     return 0;
 }

@@ -32,13 +32,20 @@ void Problems::sort() {
 void Problems::print(QTextStream& stream, bool json, bool colour) const {
     if (json) {
         QJsonArray array;
-        for (const Problem& p : m_list)
-            array.append(QJsonObject{{QStringLiteral("file"), p.file},
-                                     {QStringLiteral("line"), p.line},
-                                     {QStringLiteral("column"), p.column},
-                                     {QStringLiteral("severity"), severityName(p.severity)},
-                                     {QStringLiteral("code"), p.code},
-                                     {QStringLiteral("text"), p.text}});
+        for (const Problem& p : m_list) {
+            QJsonObject problem{
+                {QStringLiteral("file"), p.file},     {QStringLiteral("line"), p.line},
+                {QStringLiteral("column"), p.column}, {QStringLiteral("severity"), severityName(p.severity)},
+                {QStringLiteral("code"), p.code},     {QStringLiteral("text"), p.text}};
+            QJsonArray related;
+            for (const Related& r : p.related)
+                related.append(QJsonObject{{QStringLiteral("file"), r.file},
+                                           {QStringLiteral("line"), r.line},
+                                           {QStringLiteral("column"), r.column},
+                                           {QStringLiteral("text"), r.text}});
+            if (!related.isEmpty()) problem.insert(QStringLiteral("related"), related);
+            array.append(problem);
+        }
         const QJsonObject document{{QStringLiteral("problems"), array},
                                    {QStringLiteral("errors"), count(Severity::Error)},
                                    {QStringLiteral("warnings"), count(Severity::Warning)}};

@@ -12,6 +12,14 @@ namespace lcdcfg {
 
 enum class Severity { Error, Warning };
 
+// Another place a problem concerns (the first description of a duplicate).
+struct Related {
+    QString file; // relative to the root
+    int line = 0;
+    int column = 0;
+    QString text;
+};
+
 struct Problem {
     QString file; // relative to the root; empty for the tree as a whole
     int line = 0; // 1-based; 0 when unknown
@@ -19,6 +27,7 @@ struct Problem {
     Severity severity = Severity::Error;
     QString code; // stable, e.g. "parse", "card-unknown"
     QString text; // the library's own text, or the rule's
+    QVector<Related> related = {};
 };
 
 class Problems {

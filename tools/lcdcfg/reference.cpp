@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "tools/lcdcfg/cli.h"
+#include "tools/lcdcfg/session.h"
 #include "tools/lcdcfg/trace.h"
 #include "tools/lcdcfg/tree.h"
 
@@ -93,7 +94,7 @@ QStringList messagesOf(const PartLoad& load, const QString& root) {
     };
     add(load.error);
     for (const Diagnostic& d : load.diagnostics)
-        if (d.type != QtDebugMsg && d.type != QtInfoMsg) add(d.text);
+        if (d.logged) add(d.logLine);
     return messages;
 }
 
@@ -270,10 +271,11 @@ int runReference(const QStringList& args) {
                                     QStringLiteral("Directory to write into (default docs/reference)."),
                                     QStringLiteral("dir"), QStringLiteral("docs/reference"));
     cl.addOption(output);
+    Session session(cl, Session::OtherPositional, Session::NoJson);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    QStringList roots = cl.positional();
-    if (roots.isEmpty()) roots << defaultRoot();
+    if (!session.parse(args, &code)) return code;
+    QStringList roots = session.positional();
+    if (roots.isEmpty() || session.rootGiven()) roots << session.root();
     kvchost::PluginHost* host = cl.host();
     if (!host) return kUsage;
 

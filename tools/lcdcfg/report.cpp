@@ -17,6 +17,7 @@
 #include "tools/lcdcfg/check.h"
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/layout.h"
+#include "tools/lcdcfg/session.h"
 
 namespace lcdcfg {
 
@@ -883,36 +884,22 @@ int runReport(const QStringList& args) {
     const QCommandLineOption outputOption({QStringLiteral("o"), QStringLiteral("output")},
                                           QStringLiteral("The HTML file to write (- for standard output)."),
                                           QStringLiteral("file"));
-    const QCommandLineOption localeOption(QStringLiteral("locale"),
-                                          QStringLiteral("Language of names and labels: en or zh_CN."),
-                                          QStringLiteral("locale"), QStringLiteral("en"));
     cl.addOption(outputOption);
-    cl.addOption(localeOption);
+    Session session(cl, Session::RootPositional, Session::NoJson);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    const QStringList positional = cl.positional();
-    if (positional.size() > 1) return cl.usage(QStringLiteral("one ROOT at most"));
+    if (!session.parse(args, &code)) return code;
     if (!cl.isSet(outputOption)) return cl.usage(QStringLiteral("-o FILE.html is required"));
-    const QString locale = cl.value(localeOption);
-    if (locale != QLatin1String("en") && locale != QLatin1String("zh_CN"))
-        return cl.usage(QStringLiteral("--locale is en or zh_CN, not %1").arg(locale));
-    qApp->setProperty("lcd_locale", locale);
-    const QString root = positional.isEmpty() ? defaultRoot() : positional.first();
-    kvchost::PluginHost* host = cl.host();
-    if (!host) return kUsage;
-
-    Tree tree(*host, root);
+    const bool english = qApp->property("lcd_locale").toString() == QLatin1String("en");
     Trace trace; // one load, for the drawing and for check's problems
-    if (!tree.load(&trace)) {
-        err() << "lcdcfg: " << tree.error() << "\n";
-        return kUsage;
-    }
+    const std::unique_ptr<Tree> loaded = session.load(&trace);
+    if (!loaded) return kUsage;
+    Tree& tree = *loaded;
     Problems checked;
     checkTree(tree, trace, checked);
     Problems problems; // the page lists the layout findings itself, at their cells
     for (const Problem& p : checked.list())
         if (!p.code.startsWith(QLatin1String("layout-"))) problems.add(p);
-    const QByteArray html = writeReport(tree, trace, problems, locale == QLatin1String("en"));
+    const QByteArray html = writeReport(tree, trace, problems, english);
 
     const QString output = cl.value(outputOption);
     QFile file(output);

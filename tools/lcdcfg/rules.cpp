@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/layout.h"
 
 namespace lcdcfg {
@@ -13,8 +14,8 @@ using namespace LCD::ConfigModel;
 
 namespace {
 
-// The model the host serves.
-constexpr int kCurrentDevice = 29974;
+namespace facts = LCD::ConfigModel::facts;
+using K = RecordKind;
 
 QString number(qint64 n) {
     return QString::number(n);
@@ -24,39 +25,43 @@ QString number(qint64 n) {
 
 void cardUnknown(RuleRun& run) {
     if (!run.tree.cards() || !run.tree.devices()) return;
+    int m = 0;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-        const QString folder = run.modelFolder(device.modelId);
-        auto check = [&](int id) {
-            if (run.knownCard(id)) return;
-            run.report(run.first(folder, QStringLiteral("Subcard"), {{"ModuleId", number(id)}}), folder,
-                       QStringLiteral("card model %1 is not in the card catalogue").arg(id));
+        const Step model{K::Model, m++};
+        auto check = [&](int id, const Site* at) {
+            if (!run.knownCard(id))
+                run.report(at, run.modelFolder(model.index),
+                           QStringLiteral("card model %1 is not in the card catalogue").arg(id));
         };
-        for (const layout::SlotGroup& group : layout::slotGroups(device.slot.slots)) {
-            for (const Slot::s_Subcard& card : group.attr->subcards)
-                check(card.moduleId);
-            for (const Slot::s_Slot& slot : group.attr->slots)
-                for (const Slot::s_InlineSubcard& card : slot.subcards)
-                    check(card.moduleId);
+        for (int g = 0; g < int(facts::kSlotGroups.size()); ++g) {
+            const Step group{K::SlotGroup, g};
+            const Slot::s_SlotAttr& attr = device.slot.slots.*facts::kSlotGroups[size_t(g)].member;
+            for (size_t c = 0; c < attr.subcards.size(); ++c)
+                check(attr.subcards[c].moduleId, run.trace.record({model, group, {K::GroupCard, int(c)}}));
+            for (size_t s = 0; s < attr.slots.size(); ++s)
+                for (size_t c = 0; c < attr.slots[s].subcards.size(); ++c)
+                    check(attr.slots[s].subcards[c].moduleId,
+                          run.trace.record({model, group, {K::Slot, int(s)}, {K::SlotCard, int(c)}}));
         }
     }
 }
 
-// The document a card model was read from, or the card folder.
-QString cardDocument(const RuleRun& run, int modelId) {
-    const Site* site =
-        run.first(QStringLiteral("subcard"), QStringLiteral("Subcard"), {{"ModelId", number(modelId)}});
+// The document the card at `position` of the catalogue was read from.
+QString cardDocument(const RuleRun& run, int position) {
+    const Site* site = run.trace.record({{K::Card, position}});
     return site ? site->document : QStringLiteral("subcard");
 }
 
 void connectorTypeUndescribed(RuleRun& run) {
     if (!run.tree.cards() || !run.tree.connectors()) return;
+    int position = 0;
     for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
+        const QString document = cardDocument(run, position++);
         QVector<int> types;
         for (const Subcard::s_Connector& c : card.connectors.connectors)
             types << c.type;
         for (const Subcard::s_TypesConnector& c : card.connectors.types)
             types << c.type;
-        const QString document = cardDocument(run, card.modelId);
         for (int type : types) {
             if (run.tree.connectors()->findEDIDInfo(type) || run.lostConnectorTypes.contains(type)) continue;
             const auto hits =
@@ -73,46 +78,60 @@ void connectorTypeUndescribed(RuleRun& run) {
 // the report draws it (tools/lcdcfg/layout.h): overlaps, cells outside the
 // frame or the grid, gaps, and cells a model cannot feed. Each finding keeps
 // its own code and severity (gaps only warn).
+// The findings of one layout, each at the cell it names (the layout when none).
+void layoutFindings(RuleRun& run, const layout::Feeds& feeds, const Screen::s_Layout& l,
+                    const RecordPath& place, const QString& folder, const QString& where) {
+    for (const layout::Finding& f : layout::analyse(l, feeds)) {
+        RecordPath path = place;
+        if (f.cell >= 0) path << Step{K::Cell, f.cell};
+        const Site* site = nullptr;
+        for (int n = path.size(); !site && n > 0; --n) // the cell, else the nearest record read
+            site = run.trace.record(path.mid(0, n));
+        run.report(site, folder, where.arg(l.screenId).arg(f.text), layout::code(f.fault),
+                   f.fault == layout::Fault::Gap ? Severity::Warning : Severity::Error);
+    }
+}
+
 void layoutCells(RuleRun& run) {
     if (!run.tree.cards() || !run.tree.devices()) return;
     const std::vector<Subcard::s_Subcard> catalogue = run.tree.cards()->subcardConfig();
+    int m = 0;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const Step model{K::Model, m++};
         if (device.slot == Slot::s_VrnSolt{}) continue; // no slot file read: reported as such
-        const QString folder = run.modelFolder(device.modelId);
+        const QString folder = run.modelFolder(model.index);
         layout::Feeds feeds = layout::feedsOf(device.slot.slots, catalogue);
         for (int lost : qAsConst(run.lostCards)) // a card the host loses is reported once, as lost
             for (auto it = feeds.cards.cbegin(); it != feeds.cards.cend(); ++it)
                 if (it.value().contains(lost)) feeds.unknown.insert(it.key());
-        for (const Screen::s_VrnScreen& screen : device.screens)
-            for (const Screen::s_DeviceMode& mode : screen.deviceModes)
-                for (const Screen::s_Templete& templete : mode.templetes)
-                    for (const Screen::s_Layout& l : templete.layouts)
-                        for (const layout::Finding& f : layout::analyse(l, feeds)) {
-                            const Screen::s_Cell& cell = l.cells[size_t(std::max(f.cell, 0))];
-                            const Site* site =
-                                l.cells.empty()
-                                    ? nullptr
-                                    : run.first(folder, QStringLiteral("Cell"),
-                                                {{"SlotIndex", number(cell.slotIndex)},
-                                                 {"ConnectorIndex", number(cell.connectorIndex)}});
-                            run.report(
-                                site, folder,
-                                QStringLiteral("model %1, screen type %2, device mode %3, screen %4: %5")
-                                    .arg(device.modelId)
-                                    .arg(screen.type)
-                                    .arg(mode.value)
-                                    .arg(l.screenId)
-                                    .arg(f.text),
-                                layout::code(f.fault),
-                                f.fault == layout::Fault::Gap ? Severity::Warning : Severity::Error);
-                        }
+        for (int s = 0; s < device.screens.size(); ++s) {
+            const Screen::s_VrnScreen& screen = device.screens[s];
+            for (size_t d = 0; d < screen.deviceModes.size(); ++d) {
+                const Screen::s_DeviceMode& mode = screen.deviceModes[d];
+                const QString where =
+                    QStringLiteral("model %1, screen type %2, device mode %3, screen %4: %5")
+                        .arg(device.modelId)
+                        .arg(screen.type)
+                        .arg(mode.value);
+                for (size_t t = 0; t < mode.templetes.size(); ++t)
+                    for (size_t l = 0; l < mode.templetes[t].layouts.size(); ++l)
+                        layoutFindings(run, feeds, mode.templetes[t].layouts[l],
+                                       {model,
+                                        {K::Screen, s},
+                                        {K::DeviceMode, int(d)},
+                                        {K::Templete, int(t)},
+                                        {K::Layout, int(l)}},
+                                       folder, where);
+            }
+        }
     }
 }
 
 void crosscardModuleUnknown(RuleRun& run) {
     if (!run.tree.cards() || !run.tree.devices()) return;
+    int m = 0;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-        const QString folder = run.modelFolder(device.modelId);
+        const QString folder = run.modelFolder(m++);
         auto check = [&](int id, const char* tag, const char* attribute) {
             if (run.knownCard(id)) return;
             run.report(
@@ -222,57 +241,51 @@ void menuKeyDuplicate(RuleRun& run) {
 
 // ---- HDR options ----------------------------------------------------------
 
+QString hdrWithoutText(int setting, int value) {
+    const char* names[] = {"bit depth", "dynamic range", "colour gamut"};
+    return QStringLiteral("%1 value %2 (setting %3) has no display text")
+        .arg(QLatin1String(setting >= 0 && setting < 3 ? names[setting] : "HDR"))
+        .arg(value)
+        .arg(setting);
+}
+
 void hdrValueWithoutText(RuleRun& run) {
     IHDRConfig* hdr = run.tree.hdr();
     const PartLoad* load = run.tree.loadOf(Part::Hdr);
     if (!hdr || !load) return;
     const int configTypes[2] = {HDRInputConfig, HDROutputConfig};
-    for (int i = 0; i < 2; ++i) {
-        const auto file = run.is(load->inputs[i]);
-        auto hasText = [&](int type, int value) { return !hdr->getKeyValue(type, {value}).isEmpty(); };
+    auto hasText = [&](int type, int value) { return !hdr->getKeyValue(type, {value}).isEmpty(); };
+    for (int i = 0; i < 2; ++i)
         for (int type = HDRBitDepth; type <= HDRColorGamut; ++type)
             for (int value = 0; value <= HDRAutoValue; ++value) {
                 const auto table = hdr->getCanSelectedValues(HDRKey{type, value}, configTypes[i]);
                 if (table.empty()) continue;
-                const Site* key =
-                    run.trace
-                        .find(file, QStringLiteral("Key"), {{"Type", number(type)}, {"Value", number(value)}})
-                        .value(0);
-                auto what = [](int setting, int v) {
-                    const char* names[] = {"bit depth", "dynamic range", "colour gamut"};
-                    return QStringLiteral("%1 value %2 (setting %3) has no display text")
-                        .arg(QLatin1String(setting >= 0 && setting < 3 ? names[setting] : "HDR"))
-                        .arg(v)
-                        .arg(setting);
-                };
-                if (!hasText(type, value)) run.report(key, load->inputs[i], what(type, value));
+                const RecordPath key{{K::HdrTable, i}, {K::HdrKey, type, value}};
+                if (!hasText(type, value))
+                    run.report(run.trace.record(key), load->inputs[i], hdrWithoutText(type, value));
                 for (const auto& dependent : table) {
-                    const int line = key ? key->line : 0;
-                    const Site* info = nullptr;
-                    for (const Site* s : run.trace.find(file, QStringLiteral("ValueInfo"),
-                                                        {{"Type", number(dependent.first)}}))
-                        if (!info && s->line >= line) info = s;
+                    int position = 0;
                     for (int v : dependent.second) {
-                        if (hasText(dependent.first, v)) continue;
-                        const Site* at = nullptr;
-                        for (const Site* s :
-                             run.trace.find(file, QStringLiteral("SupportValue"), {{"#text", number(v)}}))
-                            if (!at && s->line >= (info ? info->line : line)) at = s;
-                        run.report(at, load->inputs[i], what(dependent.first, v));
+                        const RecordPath at =
+                            key + RecordPath{{K::HdrSetting, dependent.first}, {K::HdrValue, position++}};
+                        if (!hasText(dependent.first, v))
+                            run.report(run.trace.record(at), load->inputs[i],
+                                       hdrWithoutText(dependent.first, v));
                     }
                 }
             }
-    }
 }
 
 // ---- models and cards -----------------------------------------------------
 
 void modelDuplicate(RuleRun& run) {
     QHash<int, QString> first;
-    const QDir devices(run.tree.root() + QLatin1String("/device"));
-    for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-        const int id = name.section(QLatin1Char('.'), 0, 0).toInt();
-        const QString folder = QStringLiteral("device/") + name;
+    const QDir devices(run.tree.loadOf(Part::Devices)->inputs.first());
+    for (const QFileInfo& dir : devices.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+        bool ok = false;
+        const int id = facts::modelOfFolder(dir, &ok);
+        const QString folder = run.tree.relative(dir.absoluteFilePath());
+        if (!ok) continue;
         if (!first.contains(id))
             first.insert(id, folder);
         else
@@ -284,16 +297,20 @@ void modelDuplicate(RuleRun& run) {
 
 void cardDuplicate(RuleRun& run) {
     if (!run.tree.cards()) return;
-    QHash<int, int> seen;
+    QHash<int, int> first; // card model to its first position
+    int position = 0;
     for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
-        const int n = seen[card.modelId]++;
-        if (n == 0) continue;
-        const auto hits = run.trace.find(run.under(QStringLiteral("subcard")), QStringLiteral("Subcard"),
-                                         {{"ModelId", number(card.modelId)}});
-        run.report(hits.value(n), QStringLiteral("subcard"),
+        const int n = position++;
+        if (!first.contains(card.modelId)) {
+            first.insert(card.modelId, n);
+            continue;
+        }
+        const Site* earlier = run.trace.record({{K::Card, first.value(card.modelId)}});
+        run.report(run.trace.record({{K::Card, n}}), QStringLiteral("subcard"),
                    QStringLiteral("card model %1 is already described in %2")
                        .arg(card.modelId)
-                       .arg(hits.isEmpty() ? QString() : run.tree.relative(hits.first()->document)));
+                       .arg(earlier ? run.tree.relative(earlier->document) : QString()),
+                   earlier);
     }
 }
 
@@ -301,20 +318,21 @@ void currentDeviceMissing(RuleRun& run) {
     const PartLoad* load = run.tree.loadOf(Part::Devices);
     if (!load || !load->attempted || !run.tree.devices()) return;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs())
-        if (device.modelId == kCurrentDevice) return;
+        if (device.modelId == facts::kCurrentModel) return;
     run.report(nullptr, QStringLiteral("device"),
-               QStringLiteral("the current device, model %1, is not described").arg(kCurrentDevice));
+               QStringLiteral("the current device, model %1, is not described").arg(facts::kCurrentModel));
 }
 
 void names(RuleRun& run, bool english) {
     const QString language = english ? QStringLiteral("English") : QStringLiteral("Chinese");
+    int m = 0;
     if (run.tree.devices())
         for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+            const QString folder = run.modelFolder(m++);
             // a feature file that failed is reported as such
             if (!(english ? device.feature.enName : device.feature.zhName).empty() ||
                 device.feature == Feature::s_DeviceFeature{})
                 continue;
-            const QString folder = run.modelFolder(device.modelId);
             const Site* at = run.first(folder, QStringLiteral("TypeName"), {});
             for (const Missing& m : run.trace.missing())
                 if (!at && m.name == QLatin1String("TypeName") && run.under(folder)(m.document))
@@ -323,12 +341,12 @@ void names(RuleRun& run, bool english) {
                 at, folder,
                 QStringLiteral("device model %1 has no %2 type name").arg(device.modelId).arg(language));
         }
+    int position = 0;
     if (run.tree.cards())
         for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
+            const Site* at = run.trace.record({{K::Card, position++}});
             if (!(english ? card.name.en : card.name.zhCN).empty()) continue;
-            run.report(run.first(QStringLiteral("subcard"), QStringLiteral("Subcard"),
-                                 {{"ModelId", number(card.modelId)}}),
-                       QStringLiteral("subcard"),
+            run.report(at, QStringLiteral("subcard"),
                        QStringLiteral("card model %1 has no %2 name").arg(card.modelId).arg(language));
         }
 }
@@ -385,11 +403,11 @@ void numberInvalid(RuleRun& run) {
 }
 
 void modelDirEmpty(RuleRun& run) {
-    const QDir devices(run.tree.root() + QLatin1String("/device"));
+    const QDir devices(run.tree.loadOf(Part::Devices)->inputs.first());
     for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
         if (QDir(devices.filePath(name)).entryList({QStringLiteral("*.xml")}, QDir::Files).isEmpty())
             run.report(
-                nullptr, QStringLiteral("device/") + name,
+                nullptr, run.tree.relative(devices.filePath(name)),
                 QStringLiteral("model folder without description files: the host loads an empty model"));
 }
 
@@ -415,8 +433,6 @@ const Rule kRules[] = {
     {"model-dir-empty", Severity::Warning, modelDirEmpty},
 };
 
-void mute(QtMsgType, const QMessageLogContext&, const QString&) {}
-
 } // namespace
 
 const Site* RuleRun::missingSite(const QString& document, const QString& name) {
@@ -426,12 +442,12 @@ const Site* RuleRun::missingSite(const QString& document, const QString& name) {
     return &m_made.back();
 }
 
-void RuleRun::report(const Site* site, const QString& file, const QString& text) {
-    report(site, file, text, QLatin1String(rule->code), rule->severity);
+void RuleRun::report(const Site* site, const QString& file, const QString& text, const Site* related) {
+    report(site, file, text, QLatin1String(rule->code), rule->severity, related);
 }
 
 void RuleRun::report(const Site* site, const QString& file, const QString& text, const QString& code,
-                     Severity severity) {
+                     Severity severity, const Site* related) {
     Problem problem;
     problem.file = tree.relative(site ? site->document : QDir(tree.root()).absoluteFilePath(file));
     if (site) {
@@ -441,6 +457,9 @@ void RuleRun::report(const Site* site, const QString& file, const QString& text,
     problem.severity = severity;
     problem.code = code;
     problem.text = text;
+    if (related)
+        problem.related.push_back({tree.relative(related->document), related->line, related->column,
+                                   QStringLiteral("first described here")});
     m_problems.add(problem);
 }
 
@@ -466,20 +485,17 @@ bool RuleRun::knownCard(int modelId) const {
     return false;
 }
 
-QString RuleRun::modelFolder(int modelId) const {
-    const QDir devices(tree.root() + QLatin1String("/device"));
-    for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-        if (name.section(QLatin1Char('.'), 0, 0).toInt() == modelId) return QStringLiteral("device/") + name;
-    return QString();
+QString RuleRun::modelFolder(int position) const {
+    const Site* folder = trace.record({{RecordKind::Model, position}});
+    return folder ? tree.relative(folder->document) : QString();
 }
 
 void runRules(RuleRun& run) {
-    const QtMessageHandler previous = qInstallMessageHandler(&mute);
+    const QuietLibrary quiet;
     for (const Rule& rule : kRules) {
         run.rule = &rule;
         rule.run(run);
     }
-    qInstallMessageHandler(previous);
 }
 
 } // namespace lcdcfg

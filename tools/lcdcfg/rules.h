@@ -31,10 +31,11 @@ public:
     QSet<int> lostConnectorTypes;
 
     // Reports at `site`, else at line 0 of `file` (absolute, or relative to the root).
-    void report(const Site* site, const QString& file, const QString& text);
+    // `related`, when given, is another place the problem concerns.
+    void report(const Site* site, const QString& file, const QString& text, const Site* related = nullptr);
     // The same for a rule whose findings carry their own code and severity.
     void report(const Site* site, const QString& file, const QString& text, const QString& code,
-                Severity severity);
+                Severity severity, const Site* related = nullptr);
     // Documents under a folder of the root ("subcard", "device/29974"), or one file.
     std::function<bool(const QString&)> under(const QString& folder) const;
     std::function<bool(const QString&)> is(const QString& document) const;
@@ -42,8 +43,9 @@ public:
     const Site* first(const QString& folder, const QString& tag, Trace::Match values) const;
     // Whether the catalogue has the card model, or the host loses it to a bad file.
     bool knownCard(int modelId) const;
-    // The folder of a device model's files ("device/29974"); empty when none.
-    QString modelFolder(int modelId) const;
+    // The folder of the device model at `position` among the models
+    // ("device/29974"), relative to the root; empty when none of its files was read.
+    QString modelFolder(int position) const;
 
     // The parent where a lookup of `name` in `document` found nothing, or null.
     const Site* missingSite(const QString& document, const QString& name);

@@ -523,10 +523,10 @@ int runShow(const QStringList& args) {
                                         QStringLiteral("mode"));
     cl.addOption(interfaceOption);
     cl.addOption(modeOption);
-    Session session(cl, true);
+    Session session(cl, Session::OtherPositional, Session::NoJson);
     int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    QStringList positional = cl.positional();
+    if (!session.parse(args, &code)) return code;
+    QStringList positional = session.positional();
     if (positional.isEmpty())
         return cl.usage(QStringLiteral("what to show: device, card, connector, menu, hdr, keys"));
     const QString what = positional.takeFirst();
@@ -534,7 +534,6 @@ int runShow(const QStringList& args) {
     for (const What& w : kWhat)
         if (what == QLatin1String(w.name)) chosen = &w;
     if (!chosen) return cl.usage(QStringLiteral("cannot show %1").arg(what));
-    if (!session.applyLocale(&code)) return code;
     bool numbers = true;
     for (const QString& p : positional) {
         bool ok = false;
@@ -543,15 +542,12 @@ int runShow(const QStringList& args) {
     }
     if (!numbers) return cl.usage(QStringLiteral("%1 takes a number").arg(what));
 
-    const std::unique_ptr<Tree> tree = session.load(session.root(), chosen->parts);
+    const std::unique_ptr<Tree> tree = session.load(chosen->parts);
     if (!tree) return kUsage;
     const PartLoad* load = tree->loadOf(chosen->parts.first());
     if (!load || !load->ok) {
-        err() << "lcdcfg show: the " << partName(chosen->parts.first()) << " did not load: "
-              << (load && !load->missing.isEmpty() ? QStringLiteral("missing %1").arg(load->missing)
-                  : load                           ? load->error
-                                                   : QString())
-              << " (lcdcfg check tells more)\n";
+        err() << "lcdcfg show: the " << partName(chosen->parts.first())
+              << " did not load: " << tree->failure(chosen->parts.first()) << " (lcdcfg check tells more)\n";
         return kProblems;
     }
     const auto option = [&](const QCommandLineOption& o) { return cl.isSet(o) ? cl.value(o).toInt() : -1; };

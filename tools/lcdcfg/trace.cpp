@@ -9,6 +9,7 @@
 namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
+namespace facts = LCD::ConfigModel::facts;
 
 namespace {
 int editDistance(const QString& a, const QString& b) {
@@ -27,6 +28,10 @@ int editDistance(const QString& a, const QString& b) {
         }
     }
     return row[y.size()];
+}
+
+QString keyOf(const QString& document, int line, int column) {
+    return QStringLiteral("%1:%2:%3").arg(document).arg(line).arg(column);
 }
 
 // A name a letter or two (for longer names) away from `wanted`, case aside.
@@ -56,6 +61,8 @@ const DocumentTrace* Trace::document(const QString& path) const {
 
 void Trace::documentStarted(const QString& path) {
     m_path = path;
+    if (m_folderSite >= 0) m_sites[m_folderSite].document = QFileInfo(path).absolutePath();
+    m_folderSite = -1;
     DocumentTrace d;
     d.path = path;
     m_documents.push_back(d);
@@ -140,11 +147,29 @@ void Trace::textRead(const QDomElement& element, ReadKind kind) {
     reportText(element);
 }
 
-namespace {
-QString keyOf(const QString& document, int line, int column) {
-    return QStringLiteral("%1:%2:%3").arg(document).arg(line).arg(column);
+void Trace::recordStarted(const RecordRead& record) {
+    m_place << int(record.kind) << record.index << record.key;
+    if (record.element.isNull()) { // a model: its folder is that of its first file
+        m_folderSite = m_sites.size();
+        m_sites.push_back({QString(), QString(), 0, 0, {}});
+        m_records.insert(m_place, m_folderSite);
+        return;
+    }
+    const Site& site = siteOf(record.element);
+    m_records.insert(m_place, int(&site - m_sites.constData()));
 }
-} // namespace
+
+void Trace::recordEnded(RecordKind) {
+    m_place.resize(std::max(0, m_place.size() - 3));
+}
+
+const Site* Trace::record(const RecordPath& path) const {
+    QVector<int> place;
+    for (const Step& step : path)
+        place << int(step.kind) << step.index << step.key;
+    const auto it = m_records.constFind(place);
+    return it == m_records.constEnd() || m_sites[*it].document.isEmpty() ? nullptr : &m_sites[*it];
+}
 
 Site& Trace::siteOf(const QDomElement& element) {
     const QString key = keyOf(m_path, element.lineNumber(), element.columnNumber());
@@ -266,17 +291,17 @@ QString closest(const QString& name, const QStringList& names) {
 
 namespace {
 
-struct Step {
+struct PatternStep {
     QString name; // "*" for any
     QVector<QPair<QString, QString>> conditions;
 };
 
-QVector<Step> parsePattern(QString pattern, bool* anchored) {
+QVector<PatternStep> parsePattern(QString pattern, bool* anchored) {
     *anchored = pattern.startsWith(QLatin1Char('/'));
     if (*anchored) pattern.remove(0, 1);
-    QVector<Step> steps;
+    QVector<PatternStep> steps;
     for (const QString& text : pattern.split(QLatin1Char('/'))) {
-        Step step;
+        PatternStep step;
         const int bracket = text.indexOf(QLatin1Char('['));
         step.name = bracket < 0 ? text : text.left(bracket);
         if (bracket >= 0) {
@@ -299,10 +324,10 @@ bool sameValue(const QString& a, const QString& b) {
     return okA && okB ? x == y : a == b;
 }
 
-bool matches(QDomElement e, const QVector<Step>& steps, bool anchored) {
+bool matches(QDomElement e, const QVector<PatternStep>& steps, bool anchored) {
     for (int i = steps.size() - 1; i >= 0; --i, e = e.parentNode().toElement()) {
         if (e.isNull()) return false;
-        const Step& step = steps[i];
+        const PatternStep& step = steps[i];
         if (step.name != QLatin1String("*") && step.name != e.tagName()) return false;
         for (const auto& c : step.conditions)
             if (!e.hasAttribute(c.first) || !sameValue(e.attribute(c.first), c.second)) return false;
@@ -322,7 +347,7 @@ const DocumentTrace* documentOf(const Trace& trace, const QDomElement& e) {
 QVector<QDomElement> findElements(const Tree& tree, const Trace& trace, const QString& under,
                                   const QString& pattern) {
     bool anchored = false;
-    const QVector<Step> steps = parsePattern(pattern, &anchored);
+    const QVector<PatternStep> steps = parsePattern(pattern, &anchored);
     QVector<QDomElement> found;
     for (const DocumentTrace& d : trace.documents()) {
         if (!d.ok || !d.rejected.isEmpty() || !tree.relative(d.path).startsWith(under)) continue;
@@ -352,19 +377,15 @@ QString documentKind(const Tree& tree, const DocumentTrace& document) {
         if (!load.documents.contains(document.path)) continue;
         const QString name = QFileInfo(document.path).fileName();
         switch (load.part) {
-        case Part::Devices:
-            for (const char* word : {"feature", "slot", "screen", "layer", "crosscard"})
-                if (name.contains(QLatin1String(word)))
-                    return QStringLiteral("device-") + QLatin1String(word);
-            return QString();
+        case Part::Devices: {
+            const char* kind = facts::fileKindName(facts::fileKind(name));
+            return *kind ? QStringLiteral("device-") + QLatin1String(kind) : QString();
+        }
         case Part::Cards:
             return QStringLiteral("subcard");
-        case Part::Connectors: {
-            const QString first = document.document.documentElement().firstChildElement().tagName();
-            return first == QLatin1String("ResolutionRatios") ? QStringLiteral("resolutions")
-                   : first == QLatin1String("Connectors")     ? QStringLiteral("connector")
-                                                              : QString();
-        }
+        case Part::Connectors:
+            return QLatin1String(
+                facts::connectorFileKind(document.document.documentElement().firstChildElement().tagName()));
         case Part::Menu:
             return document.path == load.inputs.value(0) ? QStringLiteral("menu-items")
                                                          : QStringLiteral("menu-tree");

@@ -78,6 +78,15 @@ struct Site {
     QHash<QString, QString> values; // attributes read, as stored (defaults too); "#text" for the text
 };
 
+// One step of a record's place in its component: its kind, the position it
+// takes in its list (or its key), and the second half of a two-part key.
+struct Step {
+    LCD::ConfigModel::RecordKind kind;
+    int index = 0;
+    int key = 0;
+};
+using RecordPath = QVector<Step>;
+
 // A child lookup that found nothing: at the parent, with the missing path.
 struct Missing {
     QString document;
@@ -153,6 +162,9 @@ public:
     const Missing* lastMissing(const QString& document, const QString& name) const;
     // Whether a reader reached the element at this place.
     bool found(const QString& document, int line, int column) const;
+    // The element the record at `path` was read from, as the library told it
+    // (a model's is its folder, at line 0); null when no record was read there.
+    const Site* record(const RecordPath& path) const;
 
     // -- what report draws that the records do not carry
     const QVector<Place>& cells() const { return m_cells; } // every layout cell, in reading order
@@ -167,6 +179,8 @@ public:
     void elementMissing(const QDomElement& parent, const char* name) override;
     void attributeRead(const LCD::ConfigModel::AttributeRead& read) override;
     void textRead(const QDomElement& element, LCD::ConfigModel::ReadKind kind) override;
+    void recordStarted(const LCD::ConfigModel::RecordRead& record) override;
+    void recordEnded(LCD::ConfigModel::RecordKind kind) override;
 
 private:
     ElementTrace* record(const QDomElement& e);
@@ -187,6 +201,9 @@ private:
     QHash<int, ConnectorNames> m_names;
     QHash<QString, int> m_connectorDocs;
     QHash<QString, int> m_cardDocs;
+    QVector<int> m_place;               // the records being read: kind, index, key each
+    QHash<QVector<int>, int> m_records; // a record's place to its site
+    int m_folderSite = -1;              // a model whose folder is not known yet
 };
 
 // The key of an element in a document trace.

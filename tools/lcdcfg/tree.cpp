@@ -5,42 +5,26 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 
+#include <algorithm>
+
+#include "tools/lcdcfg/cli.h"
+#include "tools/lcdcfg/trace.h"
+
 namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
 
 namespace {
 
-struct PartInfo {
-    Part part;
-    const char* name;
-    const char* id;
-    const char* inputs[2]; // under the root; a trailing '/' names a directory
-};
+namespace facts = LCD::ConfigModel::facts;
 
-const PartInfo kParts[kPartCount] = {
-    {Part::Devices, "devices", "tavio.lcd.configmodel.device", {"device/", nullptr}},
-    {Part::Cards, "cards", "tavio.lcd.configmodel.subcard", {"subcard/", nullptr}},
-    {Part::Connectors, "connectors", "tavio.lcd.configmodel.connector", {"connector/", nullptr}},
-    {Part::Menu,
-     "menu",
-     "tavio.lcd.configmodel.menuconfigmanager",
-     {"menu/menufcitems.xml", "menu/menuitems.xml"}},
-    {Part::Hdr,
-     "hdr",
-     "tavio.lcd.configmodel.hdrconfig",
-     {"func/hdr/lcdhdrinputconfig.xml", "func/hdr/lcdhdroutputconfig.xml"}},
-    {Part::Keys, "key-check", "tavio.lcd.configmodel.keycheck", {"ui/checklist.xml", nullptr}},
-    {Part::PrintKeys, "print-keys", "tavio.lcd.configmodel.printkeyno", {"ui/printkeynoconfig.xml", nullptr}},
-};
-
-const PartInfo& infoOf(Part part) {
-    return kParts[static_cast<int>(part)];
+const facts::ComponentFacts& infoOf(Part part) {
+    return facts::component(part);
 }
 
-// Follows the loads for the tree: which document is being read and where,
-// so that a message the library writes can be placed; forwards every event
-// to the caller's observer.
+// Follows the loads for the tree: which document is being read, and every
+// diagnostic of the load with its place; forwards every event to the
+// caller's observer.
 class Tracker : public LoadObserver {
 public:
     LoadObserver* next = nullptr;
@@ -48,60 +32,57 @@ public:
     QString aliasFrom; // a scaffold path standing for the root
     QString aliasTo;
     QString document;
-    int line = 0;
-    int column = 0;
 
     void documentStarted(const QString& path) override {
         document = QFileInfo(path).absoluteFilePath();
         if (!aliasFrom.isEmpty() && document.startsWith(aliasFrom))
             document = aliasTo + document.mid(aliasFrom.size());
-        line = column = 0;
         load->documents << document;
         if (next) next->documentStarted(document);
     }
     void documentParsed(const DocumentRead& read) override {
-        if (!read.ok) at(read.line, read.column);
         if (!next) return;
         DocumentRead copy = read;
         copy.path = document;
         next->documentParsed(copy);
     }
     void documentRejected(const QDomElement& root, const QString& error) override {
-        at(root);
         if (next) next->documentRejected(root, error);
     }
     void elementFound(const QDomElement& element) override {
-        at(element);
         if (next) next->elementFound(element);
     }
     void elementMissing(const QDomElement& parent, const char* name) override {
-        at(parent);
         if (next) next->elementMissing(parent, name);
     }
     void attributeRead(const AttributeRead& read) override {
-        at(read.element);
         if (next) next->attributeRead(read);
     }
     void textRead(const QDomElement& element, ReadKind kind) override {
-        at(element);
         if (next) next->textRead(element, kind);
     }
-
-private:
-    void at(const QDomElement& e) { at(e.lineNumber(), e.columnNumber()); }
-    void at(int l, int c) {
-        line = l;
-        column = c;
+    void recordStarted(const RecordRead& record) override {
+        // an option table is about its input until its file is opened
+        if (record.kind == RecordKind::HdrTable) document = load->inputs.value(record.index);
+        if (next) next->recordStarted(record);
+    }
+    void recordEnded(RecordKind kind) override {
+        if (next) next->recordEnded(kind);
+    }
+    void diagnostic(const LoadDiagnostic& d) override {
+        Diagnostic mine{d.kind, d.text,   d.logged,  document,
+                        d.line, d.column, QString(), d.logLine.isEmpty() ? d.text : d.logLine};
+        if (!d.element.isNull()) {
+            mine.line = d.element.lineNumber();
+            mine.column = d.element.columnNumber();
+        }
+        if (d.name) mine.missing = elementPath(d.element) + QLatin1Char('/') + QLatin1String(d.name);
+        load->diagnostics << mine;
+        if (next) next->diagnostic(d);
     }
 };
 
 Tracker* g_tracker = nullptr;
-
-void collect(QtMsgType type, const QMessageLogContext&, const QString& text) {
-    if (!g_tracker || !g_tracker->load) return;
-    g_tracker->load->diagnostics.push_back(
-        {type, text, g_tracker->document, g_tracker->line, g_tracker->column});
-}
 
 } // namespace
 
@@ -133,10 +114,30 @@ const PartLoad* Tree::loadOf(Part part) const {
     return nullptr;
 }
 
+QString Tree::failure(Part part) const {
+    const PartLoad* load = loadOf(part);
+    if (!load) return QString();
+    if (!load->missing.isEmpty()) return QStringLiteral("%1: no such directory").arg(relative(load->missing));
+    if (load->ok && load->error.isEmpty()) return QString();
+    for (const Diagnostic& d : load->diagnostics) // the first file that failed, else the loader's text
+        if (d.kind != DiagnosticKind::ElementMissing || d.text == load->error)
+            return QStringLiteral("%1:%2: %3").arg(relative(d.document)).arg(d.line).arg(d.text);
+    return QStringLiteral("%1: %2").arg(
+        relative(load->documents.isEmpty() ? load->inputs.first() : load->documents.last()), load->error);
+}
+
+QString Tree::failures() const {
+    QStringList lines;
+    for (const PartLoad& load : m_loads)
+        if (const QString why = failure(load.part); !why.isEmpty())
+            lines << QStringLiteral("%1: %2").arg(QLatin1String(partName(load.part)), why);
+    return lines.join(QLatin1Char('\n'));
+}
+
 bool Tree::load(LoadObserver* observer) {
     QVector<Part> all;
-    for (const PartInfo& info : kParts)
-        all << info.part;
+    for (const facts::ComponentFacts& info : facts::kComponents)
+        all << info.component;
     return load(all, observer);
 }
 
@@ -166,17 +167,16 @@ void Tree::loadPart(Part part, LoadObserver* observer) {
     tracker.load = &load;
     g_tracker = &tracker;
     m_host.setLoadObserver(&tracker);
-    const QtMessageHandler previous = qInstallMessageHandler(&collect);
-    load.attempted = true;
-    load.ok = run(load);
-    qInstallMessageHandler(previous);
+    {
+        const QuietLibrary quiet; // what it writes arrives as events
+        load.attempted = true;
+        load.ok = run(load);
+    }
     m_host.setLoadObserver(nullptr);
     g_tracker = nullptr;
-    if (part == Part::Hdr) {
-        load.ok = !load.documents.isEmpty();
-        for (const Diagnostic& d : load.diagnostics)
-            load.ok = load.ok && (d.type == QtDebugMsg || d.type == QtInfoMsg);
-    }
+    if (part == Part::Hdr) // the component has no result: no file failed
+        load.ok = !load.documents.isEmpty() && std::none_of(load.diagnostics.begin(), load.diagnostics.end(),
+                                                            [](const Diagnostic& d) { return d.logged; });
     m_loads << load;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 // The one way lcdcfg loads a configuration tree: through the host stand-in,
-// component by component, as the host would, with a load observer attached
-// and every diagnostic the library writes tied to the document (and the
-// element) being read when it was written.
+// component by component, as the host would, with a load observer attached:
+// every diagnostic of a load arrives as the library's structured event, tied
+// to the document and the element it is about.
 //
 // Nothing is created: a directory the host would hand a component that does
 // not exist is reported, not made (the directory loaders would create it).
@@ -18,23 +18,28 @@
 
 #include <functional>
 
+#include "common/facts.h"
+#include "common/loadobserver.h"
 #include "host/kvchost.h"
 #include "lcdconfigmodel.h"
 
 namespace lcdcfg {
 
-// The components in the host's table order.
-enum class Part { Devices, Cards, Connectors, Menu, Hdr, Keys, PrintKeys };
-constexpr int kPartCount = 7;
+// The components in the host's table order (the library's table).
+using Part = LCD::ConfigModel::facts::Component;
+constexpr int kPartCount = LCD::ConfigModel::facts::kComponentCount;
 const char* partName(Part part); // "devices", "cards", ...
 
-// A message the library wrote while a part loaded.
+// A diagnostic of a part's load, as the library told it.
 struct Diagnostic {
-    QtMsgType type = QtWarningMsg;
-    QString text;
-    QString document; // the file being read, absolute; empty before the first
-    int line = 0;     // the element being read then (0 when none)
+    LCD::ConfigModel::DiagnosticKind kind = LCD::ConfigModel::DiagnosticKind::ParseFailed;
+    QString text;        // the library's text, unchanged
+    bool logged = false; // also written to the message log
+    QString document;    // the file being read, absolute; the input it is about before the first
+    int line = 0;        // the element it is about, or where the parser stopped (0 when none)
     int column = 0;
+    QString missing; // ElementMissing: the path of the missing element, "Vrn/Device"
+    QString logLine; // logged: the line as the library wrote it
 };
 
 struct PartLoad {
@@ -67,6 +72,12 @@ public:
     QString relative(const QString& path) const; // to the root, for messages
     const QVector<PartLoad>& loads() const { return m_loads; }
     const PartLoad* loadOf(Part part) const;
+    // Why a part cannot answer in full: "FILE: TEXT" of the first file whose
+    // load failed (the missing input, or the loader's error), empty when the
+    // part loaded every file.
+    QString failure(Part part) const;
+    // failure() of every part that has one, one per line ("cards: FILE: TEXT").
+    QString failures() const;
 
     // The components; null when the part was not loaded (or not created).
     LCD::ConfigModel::DeviceConfigInterface* devices() const { return m_devices.get(); }
