@@ -18,7 +18,8 @@ using namespace xml;
 
 namespace {
 
-const char kTrContext[] = "LCD::ConfigModel::ConnectorConfigManager";
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::ConnectorConfigManager";
 
 // ---- the resolution file -----------------------------------------------------
 

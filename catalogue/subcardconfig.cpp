@@ -20,7 +20,7 @@ using namespace xml;
 namespace {
 
 // The catalogue is no Qt object: its texts use the base object's context.
-const char kTrContext[] = "QObject";
+constexpr char kTrContext[] = "QObject";
 
 // Every "*.xml" file of `path` and of its direct sub-directories, deeper
 // levels unread. The directory itself is listed as "." among its

@@ -11,10 +11,8 @@ LCD_DEFINE_SINGLETON(CrosscardConfigManager, CrossCard)
 
 namespace {
 
-// Not a Qt object: its texts use the translation context of QObject.
-Loader crossCardLoader(const LogSite& site) {
-    return Loader{kDeviceFile, "QObject", site};
-}
+// Not a Qt object: its texts use the base object's translation context.
+constexpr char kTrContext[] = "QObject";
 
 CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
     CrossCard::s_CrossConnectorGroups group;
@@ -48,13 +46,13 @@ CrosscardConfigManager::~CrosscardConfigManager() = default;
 bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QString& path, QString& error,
                                                      CrossCard::s_CrossSubcards& subcards) {
     QDomDocument doc;
-    return loadDocument(path, crossCardLoader(LCD_LOG_SITE), doc, error) &&
+    return loadDocument(path, Loader{kDeviceFile, kTrContext, LCD_LOG_SITE}, doc, error) &&
            parseDeviceCrosscardcfg(doc, error, subcards);
 }
 
 bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QDomDocument& doc, QString& error,
                                                      CrossCard::s_CrossSubcards& subcards) {
-    const Loader loader = crossCardLoader(LCD_LOG_SITE);
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!checkDocumentRoot(doc, loader, error)) return false;
     Section s(error, loader);
     const QDomElement list = s.need(s.need(doc.documentElement(), "Device"), "Subcards");

@@ -13,6 +13,9 @@ LCD_DEFINE_SINGLETON(DeviceFeatureConfigManager, DeviceFeature)
 
 namespace {
 
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::DeviceFeatureConfigManager";
+
 // Default tables shared by several sections of the file.
 // A named range: "Value" is not read.
 const Attrs kNamed = {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Min", "0"}, {"Max", "255"}};
@@ -316,14 +319,14 @@ DeviceFeatureConfigManager::~DeviceFeatureConfigManager() = default;
 
 bool DeviceFeatureConfigManager::parseDeviceFeaturecfg(const QString& path, QString& error,
                                                        s_DeviceFeature& feature) {
-    const Loader loader{kDeviceFile, staticMetaObject.className(), LCD_LOG_SITE};
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     QDomDocument doc;
     return loadDocument(path, loader, doc, error) && Walk(error, loader).read(doc.documentElement(), feature);
 }
 
 bool DeviceFeatureConfigManager::parseDeviceFeaturecfg(const QDomDocument& doc, QString& error,
                                                        s_DeviceFeature& feature) {
-    const Loader loader{kDeviceFile, staticMetaObject.className(), LCD_LOG_SITE};
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     return checkDocumentRoot(doc, loader, error) && Walk(error, loader).read(doc.documentElement(), feature);
 }
 

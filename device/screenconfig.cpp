@@ -17,9 +17,8 @@ using xml::forEachChild;
 using xml::intAttr;
 using xml::ListFrom;
 
-Loader screenLoader(LogSite site) {
-    return Loader{kDeviceFile, ScreenConfigManager::staticMetaObject.className(), site};
-}
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::ScreenConfigManager";
 
 // Unless a default is written at the call, every attribute of a screen file is
 // read with an empty default: an absent attribute of a present element stores
@@ -244,13 +243,13 @@ void readScreen(const QDomElement& e, const Loader& loader, QString& error, s_Vr
 bool ScreenConfigManager::parseDeviceScreencfg(const QString& path, QString& error,
                                                Screen::s_VrnScreen& screen) {
     QDomDocument doc;
-    return loadDocument(path, screenLoader(LCD_LOG_SITE), doc, error) &&
+    return loadDocument(path, Loader{kDeviceFile, kTrContext, LCD_LOG_SITE}, doc, error) &&
            parseDeviceScreencfg(doc, error, screen);
 }
 
 bool ScreenConfigManager::parseDeviceScreencfg(const QDomDocument& doc, QString& error,
                                                Screen::s_VrnScreen& screen) {
-    const Loader loader = screenLoader(LCD_LOG_SITE);
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!checkDocumentRoot(doc, loader, error)) return false;
     // Only the first "Screen" is read; without the three the file is unusable.
     xml::Section required(error, loader);

@@ -52,9 +52,8 @@ void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     out = std::move(local);
 }
 
-Loader slotLoader(const LogSite& site) {
-    return Loader{kDeviceFile, SlotConfigManager::staticMetaObject.className(), site};
-}
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::SlotConfigManager";
 
 } // namespace
 
@@ -63,11 +62,12 @@ SlotConfigManager::~SlotConfigManager() = default;
 
 bool SlotConfigManager::parseDeviceSlotcfg(const QString& path, QString& error, Slot::s_VrnSolt& slot) {
     QDomDocument doc;
-    return loadDocument(path, slotLoader(LCD_LOG_SITE), doc, error) && parseDeviceSlotcfg(doc, error, slot);
+    return loadDocument(path, Loader{kDeviceFile, kTrContext, LCD_LOG_SITE}, doc, error) &&
+           parseDeviceSlotcfg(doc, error, slot);
 }
 
 bool SlotConfigManager::parseDeviceSlotcfg(const QDomDocument& doc, QString& error, Slot::s_VrnSolt& slot) {
-    const Loader loader = slotLoader(LCD_LOG_SITE);
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!checkDocumentRoot(doc, loader, error)) return false;
     return transact(slot.slots, error, loader, [&](Section& s, Slot::s_Slots& groups) {
         const QDomElement device = s.need(doc.documentElement(), "Device");

@@ -36,10 +36,6 @@ struct TreeDeleter {
 // A node (with what is below it) that no parent holds yet.
 using OwnedNode = std::unique_ptr<s_MenuItem, TreeDeleter>;
 
-Loader menuLoader(const LogSite& site) {
-    return Loader{kMenuFile, nullptr, site};
-}
-
 } // namespace
 
 MenuConfigManager::MenuConfigManager() : m_pRootMenuItem(new s_MenuItem) {}
@@ -51,7 +47,7 @@ MenuConfigManager::~MenuConfigManager() {
 
 bool MenuConfigManager::readMenuItems(const QString& path, QString& error) {
     QDomDocument doc;
-    if (!loadDocument(path, menuLoader(LCD_LOG_SITE), doc, error)) return false;
+    if (!loadDocument(path, Loader{kMenuFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
     const QDomElement menuBar = child(doc.documentElement(), "MenuBar");
     if (menuBar.isNull()) return true;
@@ -62,7 +58,7 @@ bool MenuConfigManager::readMenuItems(const QString& path, QString& error) {
 
 bool MenuConfigManager::readMenuFCItems(const QString& path, QString& error) {
     QDomDocument doc;
-    if (!loadDocument(path, menuLoader(LCD_LOG_SITE), doc, error)) return false;
+    if (!loadDocument(path, Loader{kMenuFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
     forEachRepeated(child(doc.documentElement(), "MenuItems"), "MenuItem", [this](const QDomElement& e) {
         auto item = std::make_unique<s_MenuFCItem>();
