@@ -160,21 +160,19 @@ QDomElement child(const QDomElement& parent, const char* name) {
     return e;
 }
 
-QDomElement firstChild(const QDomElement& parent) {
-    return child(parent, nullptr);
-}
-
 QDomElement next(const QDomElement& element) {
     QDomElement e = element.nextSiblingElement();
     visited(e);
     return e;
 }
 
+namespace detail {
 QDomElement nextNamed(const QDomElement& element, const char* name) {
     QDomElement e = element.nextSiblingElement(interned(name));
     visited(e);
     return e;
 }
+} // namespace detail
 
 QString attr(const QDomElement& e, const char* name, const char* def) {
     const Found found = find(e, name);
@@ -189,6 +187,7 @@ bool hasAttr(const QDomElement& e, const char* name) {
     return found.present;
 }
 
+namespace detail {
 qint32 decimal(const QString& text, bool* ok) {
     qint32 v;
     if (plainDecimal(reinterpret_cast<const ushort*>(text.constData()), text.size(), &v)) {
@@ -206,11 +205,12 @@ qint32 decimal(const char* text, bool* ok) {
     }
     return QString::fromLatin1(text).toInt(ok);
 }
+} // namespace detail
 
 qint32 intAttr(const QDomElement& e, const char* name, const char* def) {
     const Found found = find(e, name);
     bool ok = true;
-    const qint32 v = found.present ? decimal(found.raw, &ok) : decimal(def, &ok);
+    const qint32 v = found.present ? detail::decimal(found.raw, &ok) : detail::decimal(def, &ok);
     reported(e, name, def, ReadKind::Int, found, v, ok);
     return v;
 }
@@ -233,19 +233,9 @@ std::string textAttr(const QDomElement& e, const char* name, const char* def) {
     return found.present ? utf8(found.raw) : std::string(def);
 }
 
-std::string utf8(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
-}
-
 std::string firstNodeText(const QDomElement& e) {
     textWasRead(e);
     return utf8(e.firstChild().nodeValue());
-}
-
-void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
-    for (const IntField& f : fields)
-        *f.field = intAttr(e, f.name, f.def);
 }
 
 namespace detail {
@@ -270,9 +260,8 @@ void store(const QDomElement& e, const Attr& a, std::string* out) {
     *out = textAttr(e, a.name, a.def);
 }
 
-void store(const QDomElement&, const Attr& a, std::nullptr_t) {
-    Q_ASSERT_X(false, "xml::read", a.name); // the record has no field of that name
-    Q_UNUSED(a);
+void store(const QDomElement& e, const Attr& a, quint16* out) {
+    *out = attr(e, a.name, a.def).toUShort();
 }
 
 } // namespace detail
@@ -328,11 +317,7 @@ QString elementText(const QDomElement& e) {
 
 qint32 intText(const QDomElement& e) {
     textWasRead(e, ReadKind::Int);
-    return decimal(e.text(), nullptr);
-}
-
-void updateInts(const QDomElement& e, std::initializer_list<IntField> fields) {
-    if (!e.isNull()) readInts(e, fields);
+    return detail::decimal(e.text(), nullptr);
 }
 
 double doubleAttr(const QDomElement& e, const char* name, const char* def) {
@@ -340,11 +325,33 @@ double doubleAttr(const QDomElement& e, const char* name, const char* def) {
                           [](const QString& t, bool* ok) { return t.toDouble(ok); });
 }
 
+bool isNamed(const QDomElement& e, const char* name) {
+    return !e.isNull() && e.tagName() == QLatin1String(name);
+}
+
+QDomElement firstChild(const QDomElement& parent) {
+    return child(parent, nullptr);
+}
+
 QDomElement childAt(const QDomElement& parent, int position) {
-    QDomElement e = firstChild(parent);
+    QDomElement e = child(parent);
     for (; position > 0 && !e.isNull(); --position)
         e = next(e);
     return e;
+}
+
+std::string utf8(const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
+}
+
+void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
+    for (const IntField& f : fields)
+        *f.field = intAttr(e, f.name, f.def);
+}
+
+void updateInts(const QDomElement& e, std::initializer_list<IntField> fields) {
+    if (!e.isNull()) readInts(e, fields);
 }
 
 void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers) {
@@ -357,10 +364,6 @@ void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandl
             }
         }
     });
-}
-
-bool isNamed(const QDomElement& e, const char* name) {
-    return !e.isNull() && e.tagName() == QLatin1String(name);
 }
 
 } // namespace xml
