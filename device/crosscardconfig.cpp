@@ -14,18 +14,17 @@ namespace {
 // Not a Qt object: its texts use the base object's translation context.
 constexpr char kTrContext[] = "QObject";
 
+const Attrs kConnector{
+    {"ModuleId", ""}, {"Slot", ""}, {"Position", ""}, {"IsMain", ""}, {"ConvertTimingPriority", ""}};
+
+CrossCard::s_CrossConnectorGroup readConnector(const QDomElement& e) {
+    return readAs<CrossCard::s_CrossConnectorGroup>(e, kConnector);
+}
+
 CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
     CrossCard::s_CrossConnectorGroups group;
     group.groupId = intAttr(e, "GroupId");
-    forEachRepeated(e, "Connector", [&](const QDomElement& c) {
-        CrossCard::s_CrossConnectorGroup connector;
-        readInts(c, {{"ModuleId", &connector.moduleId},
-                     {"Slot", &connector.slot},
-                     {"Position", &connector.position},
-                     {"IsMain", &connector.isMain},
-                     {"ConvertTimingPriority", &connector.convertTimingPriority}});
-        group.connectors.push_back(connector);
-    });
+    group.connectors = readEachChild(e, "Connector", readConnector);
     return group;
 }
 
@@ -33,8 +32,7 @@ CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
 CrossCard::s_CrossDeviceMode readDeviceMode(const QDomElement& e) {
     CrossCard::s_CrossDeviceMode mode;
     mode.value = intAttr(e, "Value");
-    forEachRepeated(child(child(e, "Capacity"), "Groups"), "Group",
-                    [&](const QDomElement& g) { mode.groups.push_back(readGroup(g)); });
+    mode.groups = readEachChild(child(child(e, "Capacity"), "Groups"), "Group", readGroup);
     return mode;
 }
 
@@ -57,7 +55,7 @@ bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QDomDocument& doc, QS
     Section s(error, loader);
     const QDomElement list = s.need(s.need(doc.documentElement(), "Device"), "Subcards");
     if (!s.complete()) return false;
-    forEachRepeated(list, "Subcard", [&](const QDomElement& e) {
+    forEachChild(list, "Subcard", [&](const QDomElement& e) {
         CrossCard::s_CrossSubcard subcard;
         subcardInfo(e, subcard);
         subcards.push_back(std::move(subcard));
@@ -73,8 +71,8 @@ void CrosscardConfigManager::subcardInfo(const QDomElement& element, CrossCard::
     subcard.deviceInterfaceGroup = readAs<s_SupportInfo>(deviceGroup, kLenientPair);
     subcard.offset = intAttr(deviceGroup, "Offset", "100");
     // Every sibling after the first "DeviceMode" is a device mode, whatever its name.
-    forEachRepeated(element, "DeviceMode",
-                    [&](const QDomElement& e) { subcard.deviceModes.push_back(readDeviceMode(e)); });
+    forEachChild(element, "DeviceMode",
+                 [&](const QDomElement& e) { subcard.deviceModes.push_back(readDeviceMode(e)); });
 }
 
 } // namespace ConfigModel

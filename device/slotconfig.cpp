@@ -16,16 +16,15 @@ enum class Group { Input, Mixed, Other };
 
 // The cards placed in a mixed-card slot, each with its connector groups.
 std::vector<Slot::s_InlineSubcard> readInlineSubcards(const QDomElement& subcards) {
-    std::vector<Slot::s_InlineSubcard> cards;
-    forEachRepeated(subcards, "Subcard", [&](const QDomElement& e) {
+    return readEachChild(subcards, "Subcard", [](const QDomElement& e) {
         Slot::s_InlineSubcard card;
         card.moduleId = intAttr(e, "ModuleId", "0");
-        forEachRepeated(child(e, "ConnectorGroups"), "ConnectorGroup", [&](const QDomElement& g) {
-            card.connectorGroups.push_back({intAttr(g, "Value", "0"), textAttr(g, "GroupName")});
-        });
-        cards.push_back(std::move(card));
+        card.connectorGroups =
+            readEachChild(child(e, "ConnectorGroups"), "ConnectorGroup", [](const QDomElement& g) {
+                return Slot::s_ConnectorGroup{intAttr(g, "Value", "0"), textAttr(g, "GroupName")};
+            });
+        return card;
     });
-    return cards;
 }
 
 // One group element into `out`. A missing element leaves `out` alone; so does
@@ -38,7 +37,7 @@ void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     local.pluginDirection = intAttr(group, "PluginDirection");
     local.interfaceType = intAttr(group, "InterfaceType");
     // Every sibling after the first "Slot" is a slot, whatever its name.
-    forEachRepeated(group, "Slot", [&](const QDomElement& e) {
+    forEachChild(group, "Slot", [&](const QDomElement& e) {
         if (kind == Group::Input && !hasAttr(e, "Index")) return; // an input slot without a number is skipped
         Slot::s_Slot slot;
         slot.index = intAttr(e, "Index");
@@ -47,8 +46,8 @@ void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     });
     const QDomElement subcards = child(group, "Subcards");
     if (subcards.isNull() && kind != Group::Mixed) return;
-    forEachRepeated(subcards, "Subcard",
-                    [&](const QDomElement& e) { local.subcards.push_back({intAttr(e, "ModuleId")}); });
+    local.subcards = readEachChild(
+        subcards, "Subcard", [](const QDomElement& e) { return Slot::s_Subcard{intAttr(e, "ModuleId")}; });
     out = std::move(local);
 }
 
