@@ -102,18 +102,17 @@ void HDRConfig::initOutputConfig() {
 bool HDRConfig::readConfig(const QString& path, QString& error, HDROptionTable& out) {
     QDomDocument doc;
     if (!loadDocument(path, Loader{kHdrFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
-    forEachRepeated(doc.documentElement(), "Key",
-                    [&](const QDomElement& key) { parseKeyValueInfo(key, out); });
+    forEachChild(doc.documentElement(), "Key", [&](const QDomElement& key) { parseKeyValueInfo(key, out); });
     return true;
 }
 
 void HDRConfig::parseKeyValueInfo(const QDomElement& key, HDROptionTable& out) {
     const HDRKey k{intAttr(key, "Type"), intAttr(key, "Value")};
-    forEachRepeated(key, "ValueInfo", [&](const QDomElement& info) {
+    forEachChild(key, "ValueInfo", [&](const QDomElement& info) {
         std::map<int, std::list<int>>& dependents = out[k];
         const int type = intAttr(info, "Type");
         std::list<int> values;
-        forEachRepeated(info, "SupportValue", [&](const QDomElement& v) { values.push_back(intText(v)); });
+        forEachChild(info, "SupportValue", [&](const QDomElement& v) { values.push_back(intText(v)); });
         dependents.emplace(type, std::move(values)); // the first list of a type wins
     });
 }

@@ -51,7 +51,7 @@ bool MenuConfigManager::readMenuItems(const QString& path, QString& error) {
 
     const QDomElement menuBar = child(doc.documentElement(), "MenuBar");
     if (menuBar.isNull()) return true;
-    parseElement(firstChild(menuBar), m_pRootMenuItem);
+    parseElement(child(menuBar), m_pRootMenuItem);
     qDebug().noquote() << "parseElement finished";
     return true;
 }
@@ -60,7 +60,7 @@ bool MenuConfigManager::readMenuFCItems(const QString& path, QString& error) {
     QDomDocument doc;
     if (!loadDocument(path, Loader{kMenuFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
-    forEachRepeated(child(doc.documentElement(), "MenuItems"), "MenuItem", [this](const QDomElement& e) {
+    forEachChild(child(doc.documentElement(), "MenuItems"), "MenuItem", [this](const QDomElement& e) {
         auto item = std::make_unique<s_MenuFCItem>();
         item->icon = attr(e, "Icon");
         item->key = intAttr(e, "Key");
@@ -101,7 +101,7 @@ void MenuConfigManager::parseElement(const QDomElement& element, s_MenuItem* ite
     enter(element, item, nullptr);
     while (!levels.empty()) {
         Level& level = levels.back();
-        level.child = level.started ? next(level.child) : firstChild(level.element);
+        level.child = level.started ? next(level.child) : child(level.element);
         level.started = true;
         if (!level.child.isNull()) {
             OwnedNode node(new s_MenuItem);
