@@ -157,7 +157,7 @@ private Q_SLOTS:
         card.connectorCopy = {1, 0, 1, {1, 1}, {{"2x4K", 1, 1, {{2, {{1, {{1}, {2}}}}}}}}};
         card.associations = {{3, 2}};
         QCOMPARE(m.subcardConfig().size(), size_t(1));
-        QVERIFY(m.subcardConfig().front() == card);
+        LCD_COMPARE_RECORDS(m.subcardConfig().front(), card);
     }
 
     // tests/data/subcard/queries: two cards of model 7 around a card of model 9.
