@@ -151,6 +151,11 @@ T number(const QDomElement& e, const char* name, const char* def, ReadKind kind,
     return v;
 }
 
+std::string utf8(const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
+}
+
 } // namespace
 
 QDomElement child(const QDomElement& parent, const char* name) {
@@ -327,43 +332,6 @@ double doubleAttr(const QDomElement& e, const char* name, const char* def) {
 
 bool isNamed(const QDomElement& e, const char* name) {
     return !e.isNull() && e.tagName() == QLatin1String(name);
-}
-
-QDomElement firstChild(const QDomElement& parent) {
-    return child(parent, nullptr);
-}
-
-QDomElement childAt(const QDomElement& parent, int position) {
-    QDomElement e = child(parent);
-    for (; position > 0 && !e.isNull(); --position)
-        e = next(e);
-    return e;
-}
-
-std::string utf8(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
-}
-
-void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
-    for (const IntField& f : fields)
-        *f.field = intAttr(e, f.name, f.def);
-}
-
-void updateInts(const QDomElement& e, std::initializer_list<IntField> fields) {
-    if (!e.isNull()) readInts(e, fields);
-}
-
-void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers) {
-    forEachChild(parent, [&](const QDomElement& e) {
-        const QString tag = e.tagName();
-        for (const TagHandler& h : handlers) {
-            if (tag == QLatin1String(h.tag)) {
-                h.read(e);
-                return;
-            }
-        }
-    });
 }
 
 } // namespace xml

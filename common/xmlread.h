@@ -12,7 +12,6 @@
 #include <QtXml/QDomElement>
 
 #include <cstddef>
-#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <string>
@@ -352,38 +351,6 @@ bool transact(std::tuple<Ts&...>&& targets, QString& error, const Loader& loader
     targets = std::move(local);
     return true;
 }
-
-// ---- being retired: the walks move to the forms above ------------------------
-
-LCD_CONFIGMODEL_EXPORT QDomElement firstChild(const QDomElement& parent);
-LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
-template <class F> void forEachRepeated(const QDomElement& parent, const char* firstName, F&& f) {
-    forEachChild(parent, firstName, std::forward<F>(f));
-}
-template <class F> bool forEachChildWhile(const QDomElement& parent, F&& f) {
-    return forEachChild(parent, std::forward<F>(f));
-}
-LCD_CONFIGMODEL_EXPORT std::string utf8(const QString& text);
-struct IntField {
-    const char* name;
-    qint32* field;
-    const char* def = "";
-};
-LCD_CONFIGMODEL_EXPORT void readInts(const QDomElement& e, std::initializer_list<IntField> fields);
-LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
-template <class T, class Read>
-bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, Read&& read) {
-    T item{};
-    if (!transact(item, error, loader, std::forward<Read>(read))) return false;
-    list.push_back(std::move(item));
-    return true;
-}
-struct TagHandler {
-    const char* tag;
-    std::function<void(const QDomElement&)> read;
-};
-LCD_CONFIGMODEL_EXPORT void forEachChildByTag(const QDomElement& parent,
-                                              std::initializer_list<TagHandler> handlers);
 
 } // namespace xml
 } // namespace ConfigModel
