@@ -169,22 +169,23 @@ constexpr int field(const char* name) {
         if (sameName(name, kFieldNames[i])) return i;
     return -1;
 }
-} // namespace detail
-
-// An attribute with its default, as the tables write it: {"Max", "255"}. A
-// table lists the attributes in the order they are read; attributes not
-// listed are not read. Each name fills the record field of the same name
-// (LCD_XML_FIELDS; "Value" of a text record is its text), read as the field's
-// type: integers as 32-bit decimals (64-bit fields widened), float, double,
-// UTF-8 text; a 16-bit count is a text that QString::toUShort converts (out of
-// range or not a number gives 0).
+// One row of a table: an attribute with its default.
 struct Attr {
     const char* name;
     const char* def;
     int field; // where the name goes, found when the table is written
     constexpr Attr(const char* name, const char* def) : name(name), def(def), field(detail::field(name)) {}
 };
-using Attrs = std::initializer_list<Attr>;
+} // namespace detail
+
+// A table of attributes with their defaults, as the walks write it:
+// {{"Min", "0"}, {"Max", "255"}}. The attributes are read in the order listed;
+// attributes not listed are not read. Each name fills the record field of the
+// same name (LCD_XML_FIELDS; "Value" of a text record is its text), read as
+// the field's type: integers as 32-bit decimals (64-bit fields widened),
+// float, double, UTF-8 text; a 16-bit count is a text that QString::toUShort
+// converts (out of range or not a number gives 0).
+using Attrs = std::initializer_list<detail::Attr>;
 
 // Default tables shared by the walks.
 // Lenient: "Support" and "Editable" 1, the numbers 0.
@@ -255,7 +256,6 @@ template <class R> void readFields(const QDomElement& e, Attrs attrs, R& r) {
         }
     }
 }
-} // namespace detail
 
 // Appends the "Value" attribute of each listed child (absent gives 0) to
 // `values`, in file order.
@@ -264,6 +264,7 @@ template <class Values> void appendValues(const QDomElement& e, ListFrom list, V
     forEachChild(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
                  [&](const QDomElement& item) { values.push_back({intAttr(item, "Value")}); });
 }
+} // namespace detail
 
 // A fresh record with the listed attributes read (a null element gives the
 // converted defaults): readAs<s_RangeValue>(e, kLenient).
@@ -275,7 +276,7 @@ template <class R> R readAs(const QDomElement& e, Attrs attrs) {
 // The same, with the values of an enumerated setting taken from `list`.
 template <class R> R readAs(const QDomElement& e, Attrs attrs, ListFrom list) {
     R r = readAs<R>(e, attrs);
-    appendValues(e, list, r.values);
+    detail::appendValues(e, list, r.values);
     return r;
 }
 
@@ -291,7 +292,7 @@ template <class R> void update(const QDomElement& e, Attrs attrs, ListFrom list,
     detail::readFields(e, attrs, out);
     if (list == ListFrom::None) return;
     out.values.clear();
-    appendValues(e, list, out.values);
+    detail::appendValues(e, list, out.values);
 }
 
 // ---- sections -------------------------------------------------------------
