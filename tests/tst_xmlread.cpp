@@ -132,7 +132,7 @@ private Q_SLOTS:
         QVERIFY(transact(stored, error, kLoader, [&](Section& s, s_SupportInfo& local) {
             local = readAs<s_SupportInfo>(s.need(root, "Genlock"), {{"Support", "1"}, {"Editable", "0"}});
         }));
-        QCOMPARE(stored, (s_SupportInfo{1, 0}));
+        LCD_COMPARE_RECORDS(stored, (s_SupportInfo{1, 0}));
         QCOMPARE(error, QStringLiteral("Invalid [Phase] node.")); // success leaves the message
     }
 
