@@ -104,11 +104,11 @@ private Q_SLOTS:
         QFETCH(QString, text);
         bool expectedOk = false, ok = !expectedOk;
         const qint32 expected = text.toInt(&expectedOk);
-        QCOMPARE(detail::decimal(text, &ok), expected);
+        QCOMPARE(xml::detail::decimal(text, &ok), expected);
         QCOMPARE(ok, expectedOk);
         const QByteArray latin = text.toLatin1();
         if (QString::fromLatin1(latin) == text) { // the defaults' form
-            QCOMPARE(detail::decimal(latin.constData(), &ok), expected);
+            QCOMPARE(xml::detail::decimal(latin.constData(), &ok), expected);
             QCOMPARE(ok, expectedOk);
         }
     }
