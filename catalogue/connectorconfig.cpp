@@ -20,54 +20,44 @@ using namespace xml;
 
 namespace {
 
-const char kTrContext[] = "LCD::ConfigModel::ConnectorConfigManager";
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::ConnectorConfigManager";
 
 // ---- the resolution file -----------------------------------------------------
 
 // Resolutions of the standard catalogue and of the "Types" group: every
 // attribute is read, so a missing "Interlaced" gives 0.
-s_resolutionResolutionRatioArray readCatalogueResolutions(const QDomElement& group) {
-    s_resolutionResolutionRatioArray list;
-    forEachChild(group, [&](const QDomElement& e) {
-        s_resolutionResolutionRatio& r = list.emplace_back();
-        readInts(e, {{"Width", &r.width},
-                     {"Height", &r.height},
-                     {"RefreshRate", &r.refreshRate},
-                     {"Interlaced", &r.interlaced},
-                     {"StandardType", &r.standardType}});
-    });
-    return list;
+s_resolutionResolutionRatio readCatalogueResolution(const QDomElement& e) {
+    return readAs<s_resolutionResolutionRatio>(
+        e, {{"Width", ""}, {"Height", ""}, {"RefreshRate", ""}, {"Interlaced", ""}, {"StandardType", ""}});
 }
 
 // The interface table that follows "ResolutionRatios": connector, interface,
 // capacity mode, resolution, value. "Coefficient" is not read (stays 0.01).
-std::vector<s_Connector> readInterfaceTable(const QDomElement& table) {
-    std::vector<s_Connector> connectors;
-    forEachChild(table, [&](const QDomElement& c) {
-        s_Connector& connector = connectors.emplace_back();
-        connector.type = intAttr(c, "Type");
-        forEachChild(c, [&](const QDomElement& d) {
-            s_ConnectorInterface& in = connector.interfaces.emplace_back();
-            readInts(d, {{"Support", &in.support}, {"Editable", &in.editable}, {"Type", &in.type}});
-            const QDomElement modes = firstChild(d);
-            if (!isNamed(modes, "ResolutionRatios")) return; // no capacity modes
-            forEachChild(modes, [&](const QDomElement& f) {
-                s_ResoluCapacityMode& mode = in.capacityModes.emplace_back();
-                mode.value = intAttr(f, "Value");
-                forEachChild(f, [&](const QDomElement& h) {
-                    s_resolutionResolutionRatio& r = mode.resolutions.emplace_back();
-                    readInts(h, {{"AutoRefresh", &r.autoRefresh},
-                                 {"Width", &r.width},
-                                 {"Height", &r.height},
-                                 {"RefreshRate", &r.refreshRate},
-                                 {"Interlaced", &r.interlaced},
-                                 {"StandardType", &r.standardType}});
-                    appendValues(h, ListFrom::AnyChild, r.values);
-                });
-            });
-        });
-    });
-    return connectors;
+s_resolutionResolutionRatio readTableResolution(const QDomElement& e) {
+    return readAs<s_resolutionResolutionRatio>(e,
+                                               {{"AutoRefresh", ""},
+                                                {"Width", ""},
+                                                {"Height", ""},
+                                                {"RefreshRate", ""},
+                                                {"Interlaced", ""},
+                                                {"StandardType", ""}},
+                                               ListFrom::AnyChild);
+}
+
+s_ResoluCapacityMode readTableCapacityMode(const QDomElement& e) {
+    return {intAttr(e, "Value"), readEachChild(e, readTableResolution)};
+}
+
+s_ConnectorInterface readTableInterface(const QDomElement& e) {
+    auto in = readAs<s_ConnectorInterface>(e, {{"Support", ""}, {"Editable", ""}, {"Type", ""}});
+    if (const QDomElement modes = child(e); isNamed(modes, "ResolutionRatios")) // else no capacity modes
+        in.capacityModes = readEachChild(modes, readTableCapacityMode);
+    return in;
+}
+
+s_Connector readTableConnector(const QDomElement& e) {
+    return {intAttr(e, "Type"), readEachChild(e, readTableInterface)};
 }
 
 // ---- the connector description -------------------------------------------------
@@ -132,7 +122,7 @@ void readAdvancedAxis(const QDomElement& e, s_ConnectorTimingAxis& axis) {
 }
 
 void readCapacityMode(Section& s, const QDomElement& e, s_CapacityModeInInterface& mode) {
-    readInts(e, {{"Support", &mode.support}, {"Editable", &mode.editable}, {"Value", &mode.value}});
+    update(e, {{"Support", ""}, {"Editable", ""}, {"Value", ""}}, mode);
     const Children c(e);
     update(s.need(c, "BandWidth"), kBandWidth, mode.bandWidth);
     readResolutionRatios(s.need(c, "ResolutionRatios"), mode.resolutionRatios);
@@ -142,31 +132,36 @@ void readCapacityMode(Section& s, const QDomElement& e, s_CapacityModeInInterfac
     readAdvancedAxis(child(adv, "Horizontal"), mode.advResolutionRatio.horizontal);
     readAdvancedAxis(child(adv, "Vertical"), mode.advResolutionRatio.vertical);
 
-    forEachChild(c("Disables"), [&](const QDomElement& d) {            // optional
-        s_resolutionResolutionRatio& r = mode.disables.emplace_back(); // interlaced stays 1
-        readInts(d, {{"Width", &r.width}, {"Height", &r.height}, {"RefreshRate", &r.refreshRate}});
-        r.coefficient = floatAttr(d, "Coefficient");
+    mode.disables = readEachChild(c("Disables"), [](const QDomElement& d) { // optional; interlaced stays 1
+        return readAs<s_resolutionResolutionRatio>(
+            d, {{"Width", ""}, {"Height", ""}, {"RefreshRate", ""}, {"Coefficient", ""}});
     });
 }
 
 void readCapacityModes(Section& s, const QDomElement& e, s_ConnectorCfg& c) {
     if (e.isNull()) return;
-    readInts(e, {{"Support", &c.capacityModeSupport}, {"Editable", &c.capacityModeEditable}});
-    forEachChild(e, [&](const QDomElement& i) {
-        s_Interface& in = c.interfaces.emplace_back();
+    const auto pair = readAs<s_SupportInfo>(e, kEmptyPair);
+    std::tie(c.capacityModeSupport, c.capacityModeEditable) = std::tie(pair.support, pair.editable);
+    c.interfaces = readEachChild(e, [&](const QDomElement& i) {
+        s_Interface in;
         in.type = intAttr(i, "Type");
-        forEachChild(i,
-                     [&](const QDomElement& m) { readCapacityMode(s, m, in.capacityModes.emplace_back()); });
+        in.capacityModes = readEachChild(i, [&](const QDomElement& m) {
+            s_CapacityModeInInterface mode;
+            readCapacityMode(s, m, mode);
+            return mode;
+        });
+        return in;
     });
 }
 
 void readHdcp(Section& s, const QDomElement& e, s_ConnectorHDCP& hdcp) {
     update(e, kEmptyPair, hdcp);
-    forEachChild(e, [&](const QDomElement& i) {
-        s_InterfaceInHDCP& in = hdcp.interfaces.emplace_back();
+    hdcp.interfaces = readEachChild(e, [&](const QDomElement& i) {
+        s_InterfaceInHDCP in;
         in.type = intAttr(i, "Type");
         update(s.need(i, "Enable", kLogged), kEmptyOptions, ListFrom::AnyChild, in.enable);
         update(child(i, "Type"), kEmptyOptions, ListFrom::AnyChild, in.typeSet); // optional
+        return in;
     });
 }
 
@@ -190,8 +185,8 @@ void readPresetAxis(Section& s, const QDomElement& e, s_PresetTimingAxis& axis) 
 
 void readPresetTiming(Section& s, const QDomElement& e, s_ConnectorPresetTiming& timing) {
     update(e, kEmptyPair, timing);
-    forEachChild(e, [&](const QDomElement& i) {
-        s_PreSetTimingInterface& t = timing.interfaces.emplace_back();
+    timing.interfaces = readEachChild(e, [&](const QDomElement& i) {
+        s_PreSetTimingInterface t;
         t.type = intAttr(i, "Type");
         const Children c(i);
         update(s.need(c, "Interlaced", kLogged), kEmptyOptions, ListFrom::AnyChild, t.interlaced);
@@ -199,6 +194,7 @@ void readPresetTiming(Section& s, const QDomElement& e, s_ConnectorPresetTiming&
         update(s.need(c, "Refresh", kLogged), kRefresh, ListFrom::AnyChild, t.refresh);
         readPresetAxis(s, s.need(c, "Horizontal", kLogged), t.horizontal);
         readPresetAxis(s, s.need(c, "Vertical", kLogged), t.vertical);
+        return t;
     });
 }
 
@@ -207,10 +203,11 @@ template <class Group, class Item>
 void readColorGroup(Section& s, const QDomElement& e, const char* setTag, Group& group,
                     s_ConnectorEnumSet Item::*set) {
     update(e, kEmptyPair, group);
-    forEachChild(e, [&](const QDomElement& i) {
-        Item& item = group.interfaces.emplace_back();
+    group.interfaces = readEachChild(e, [&](const QDomElement& i) {
+        Item item;
         item.type = intAttr(i, "Type");
         update(s.need(i, setTag, kLogged), kEmptyOptions, ListFrom::AnyChild, item.*set);
+        return item;
     });
 }
 
@@ -224,8 +221,8 @@ void readRGB(Section& s, const QDomElement& e, s_ConnectorRGB& rgb) {
 
 void readImageQuality(Section& s, const QDomElement& e, s_ConnectorImageQuality& quality) {
     update(e, kEmptyPair, quality);
-    forEachChild(e, [&](const QDomElement& i) {
-        s_InterfaceInImageQuality& q = quality.interfaces.emplace_back();
+    quality.interfaces = readEachChild(e, [&](const QDomElement& i) {
+        s_InterfaceInImageQuality q;
         q.type = intAttr(i, "Type");
         const Children c(i);
         readRGB(s, s.need(c, "Contrast"), q.contrast);
@@ -235,6 +232,7 @@ void readImageQuality(Section& s, const QDomElement& e, s_ConnectorImageQuality&
         const QDomElement gamma = s.need(c, "Gamma");
         update(gamma, kPicture, q.gamma);
         if (!gamma.isNull()) q.gammaCoefficient = floatAttr(gamma, "Coefficient");
+        return q;
     });
 }
 
@@ -315,14 +313,14 @@ bool ConnectorConfigManager::readConfig(const QString& path, QString& error) {
             return false; // what earlier files brought stays loaded
 
         // The first element decides the kind of file; any other kind is skipped.
-        const QDomElement first = firstChild(doc.documentElement());
+        const QDomElement first = child(doc.documentElement());
         if (isNamed(first, "ResolutionRatios")) {
             if (!readConfigResolution(first, m_resolution)) {
                 error = loader.text("Resolution file parsed error.");
                 observe::diagnose(DiagnosticKind::FileRejected, error, first);
                 return false;
             }
-            m_connectors = readInterfaceTable(next(first));
+            m_connectors = readEachChild(next(first), readTableConnector);
         } else if (isNamed(first, "Connectors")) {
             s_VrnConnector file;
             forEachChild(first, [&](const QDomElement& e) {
@@ -341,15 +339,14 @@ bool ConnectorConfigManager::readConfigResolution(const QDomElement& resolutionR
     s_VrnResolution catalogue;
     forEachChild(resolutionRatios, [&](const QDomElement& k) {
         if (isNamed(k, "Types")) { // Types > type element ("Value") > group > resolutions
-            const QDomElement type = firstChild(k);
-            const QDomElement group = firstChild(type);
+            const QDomElement type = child(k);
+            const QDomElement group = child(type);
             if (group.isNull()) return;
             catalogue.typeValue = intAttr(type, "Value");
-            catalogue.typeResolutions = readCatalogueResolutions(group);
+            catalogue.typeResolutions = readEachChild(group, readCatalogueResolution);
         } else { // any other name is a capacity mode
-            s_ResoluCapacityMode& mode = catalogue.capacityModes.emplace_back();
-            mode.value = intAttr(k, "Value");
-            mode.resolutions = readCatalogueResolutions(k);
+            catalogue.capacityModes.push_back(
+                {intAttr(k, "Value"), readEachChild(k, readCatalogueResolution)});
         }
     });
     out = std::move(catalogue);

@@ -22,45 +22,34 @@ using namespace xml;
 namespace {
 
 // The catalogue is no Qt object: its texts use the base object's context.
-const char kTrContext[] = "QObject";
+constexpr char kTrContext[] = "QObject";
 
 // ---- one reader per record, in walk order ---------------------------------
 // Every integer is read with an empty default: absent or non-numeric gives 0.
 
-s_Association readAssociation(const QDomElement& e) {
-    s_Association a;
-    readInts(e, {{"ModelId", &a.modelId}, {"CardMode", &a.cardMode}});
-    return a;
-}
-
 // The nine connector attributes, the same in every connector list of a card.
-void readConnectorAttrs(const QDomElement& e, s_Connector& c) {
-    readInts(e, {{"Type", &c.type},
-                 {"InterfaceType", &c.interfaceType},
-                 {"Position", &c.position},
-                 {"Enable", &c.enable},
-                 {"PrintKeyNo", &c.printKeyNo},
-                 {"Visible", &c.visible},
-                 {"CapacityMode", &c.capacityMode},
-                 {"WorkMode", &c.workMode},
-                 {"BackupPos", &c.backupPos}});
+const Attrs kConnector{{"Type", ""},         {"InterfaceType", ""}, {"Position", ""},
+                       {"Enable", ""},       {"PrintKeyNo", ""},    {"Visible", ""},
+                       {"CapacityMode", ""}, {"WorkMode", ""},      {"BackupPos", ""}};
+// A capacity of any of the lists.
+const Attrs kCapacity{{"Enable", ""}, {"Value", ""}};
+
+s_Association readAssociation(const QDomElement& e) {
+    return readAs<s_Association>(e, {{"ModelId", ""}, {"CardMode", ""}});
 }
 
 s_Connector readConnector(const QDomElement& e) {
-    s_Connector c;
-    readConnectorAttrs(e, c);
-    return c;
+    return readAs<s_Connector>(e, kConnector);
 }
 
 // "Types": the preset thumbnail timings of each connector type.
 
 s_ResolutionRatio readResolutionRatio(const QDomElement& capacityMode) {
-    s_ResolutionRatio ratio;
     const QDomElement first =
         child(child(capacityMode, "ResolutionRatios"), "ResolutionRatio"); // only the first
-    readInts(first, {{"Width", &ratio.width}, {"Height", &ratio.height}, {"Interlaced", &ratio.interlaced}});
-    forEachChild(child(capacityMode, "Refreshs"),
-                 [&](const QDomElement& refresh) { ratio.refreshs.push_back(textAttr(refresh, "Value")); });
+    auto ratio = readAs<s_ResolutionRatio>(first, {{"Width", ""}, {"Height", ""}, {"Interlaced", ""}});
+    ratio.refreshs = readEachChild(child(capacityMode, "Refreshs"),
+                                   [](const QDomElement& refresh) { return textAttr(refresh, "Value"); });
     return ratio;
 }
 
@@ -69,7 +58,7 @@ s_TypesConnector readTypesConnector(const QDomElement& e) {
     s_PresetThumbTiming& timing = type.presetThumbTiming;
     type.type = intAttr(e, "Type");
     const QDomElement preset = child(e, "PresetThumbTiming");
-    readInts(preset, {{"Support", &timing.support}, {"Editable", &timing.editable}});
+    timing = readAs<s_PresetThumbTiming>(preset, kEmptyPair);
     const QDomElement interfaceElement = child(preset, "Interface");
     timing.interfaceType = intAttr(interfaceElement, "Type");
     forEachNamed(child(interfaceElement, "WorkModes"), "WorkMode", [&](const QDomElement& workMode) {
@@ -91,7 +80,7 @@ s_TypesGroups readConnectorTypes(const QDomElement& types) {
 
 s_ConnectorInConnectorsDeviceModeCapacitysCapacity readCapacityConnector(const QDomElement& e) {
     s_ConnectorInConnectorsDeviceModeCapacitysCapacity c;
-    readConnectorAttrs(e, c);
+    update(e, kConnector, c);
     c.groupId = intAttr(e, "GroupId");
     c.dynamicRange = readAs<s_ValueSetting>(child(e, "DynamicRange"), kEmptyOptions);
     return c;
@@ -100,7 +89,7 @@ s_ConnectorInConnectorsDeviceModeCapacitysCapacity readCapacityConnector(const Q
 s_CapacityInConnectorsDeviceModeCapacitys readConnectorsCapacity(const QDomElement& e) {
     s_CapacityInConnectorsDeviceModeCapacitys capacity;
     capacity.name = textAttr(e, "Name");
-    readInts(e, {{"Enable", &capacity.enable}, {"Value", &capacity.value}});
+    update(e, kCapacity, capacity);
     capacity.connectors = readEachChild(e, readCapacityConnector);
     return capacity;
 }
@@ -117,13 +106,14 @@ s_DeviceModeInConnectors readConnectorsDeviceMode(const QDomElement& e) {
 // "Connectors": each child goes to the list of its tag name, others are skipped.
 s_Connectors readConnectors(const QDomElement& e) {
     s_Connectors out;
-    forEachChildByTag(
-        e, {
-               {"Types", [&](const QDomElement& t) { out.types = readConnectorTypes(t); }},
-               {"Connector", [&](const QDomElement& c) { out.connectors.push_back(readConnector(c)); }},
-               {"DeviceMode",
-                [&](const QDomElement& m) { out.deviceModes.push_back(readConnectorsDeviceMode(m)); }},
-           });
+    forEachChild(e, [&](const QDomElement& c) {
+        if (isNamed(c, "Types"))
+            out.types = readConnectorTypes(c);
+        else if (isNamed(c, "Connector"))
+            out.connectors.push_back(readConnector(c));
+        else if (isNamed(c, "DeviceMode"))
+            out.deviceModes.push_back(readConnectorsDeviceMode(c));
+    });
     return out;
 }
 
@@ -131,7 +121,7 @@ s_Connectors readConnectors(const QDomElement& e) {
 
 s_ConnectorGroup readConnectorGroup(const QDomElement& e) {
     s_ConnectorGroup group;
-    readInts(e, {{"Value", &group.value}, {"SelectNum", &group.selectNum}});
+    update(e, {{"Value", ""}, {"SelectNum", ""}}, group);
     group.connectors = readEachChild(e, readConnector);
     return group;
 }
@@ -149,14 +139,12 @@ bool readConnectorGroups(const QDomElement& groups, s_Capacity& out, QString& er
 // "CapacityGroups": each capacity requires its "DeviceModes".
 
 s_ConnectorInCapacityGroups readCapacityGroupConnector(const QDomElement& e) {
-    s_ConnectorInCapacityGroups c;
-    readInts(e, {{"Position", &c.position},
-                 {"Enable", &c.enable},
-                 {"Visible", &c.visible},
-                 {"CapacityMode", &c.capacityMode},
-                 {"WorkMode", &c.workMode},
-                 {"BackupPos", &c.backupPos}});
-    return c;
+    return readAs<s_ConnectorInCapacityGroups>(e, {{"Position", ""},
+                                                   {"Enable", ""},
+                                                   {"Visible", ""},
+                                                   {"CapacityMode", ""},
+                                                   {"WorkMode", ""},
+                                                   {"BackupPos", ""}});
 }
 
 s_DeviceMode readDeviceMode(const QDomElement& e) {
@@ -170,7 +158,7 @@ bool readCapacityGroup(const QDomElement& e, s_CapacityInCapacityGroups& out, QS
                        const Loader& loader) {
     return transact(out, error, loader, [&](Section& s, s_CapacityInCapacityGroups& capacity) {
         capacity.name = textAttr(e, "Name");
-        readInts(e, {{"Enable", &capacity.enable}, {"Value", &capacity.value}});
+        update(e, kCapacity, capacity);
         capacity.deviceModes = readEachChild(s.need(e, "DeviceModes"), readDeviceMode);
     });
 }
@@ -196,14 +184,13 @@ s_DeviceModeInfo readCopyDeviceMode(const QDomElement& e) {
 s_CapacityInfo readCopyCapacity(const QDomElement& e) {
     s_CapacityInfo capacity;
     capacity.name = textAttr(e, "Name");
-    readInts(e, {{"Enable", &capacity.enable}, {"Value", &capacity.value}});
+    update(e, kCapacity, capacity);
     capacity.deviceModes = readEachChild(e, readCopyDeviceMode);
     return capacity;
 }
 
 s_ConnectorCopy readConnectorCopy(const QDomElement& e) {
-    s_ConnectorCopy copy;
-    readInts(e, {{"Support", &copy.support}, {"Editable", &copy.editable}, {"Value", &copy.value}});
+    auto copy = readAs<s_ConnectorCopy>(e, {{"Support", ""}, {"Editable", ""}, {"Value", ""}});
     const QDomElement related = child(e, "MainRelated");
     copy.mainRelated = readAs<s_SupportInfo>(related, kEmptyPair);
     copy.capacityInfos = readEachChild(related, readCopyCapacity);
@@ -214,8 +201,7 @@ s_ConnectorCopy readConnectorCopy(const QDomElement& e) {
 // capacity-group "DeviceModes" is fatal (false); a missing "Associations",
 // "ConnectorGroups", "CapacityGroups" or "Sections" is reported and skipped.
 bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loader& loader) {
-    readInts(e, {{"ModelId", &card.modelId}, {"CardMode", &card.cardMode}});
-    card.interlacedMaxCount = attr(e, "InterlacedMaxCount").toUShort();
+    update(e, {{"ModelId", ""}, {"CardMode", ""}, {"InterlacedMaxCount", ""}}, card);
     Section reported(error, loader); // the four lists below: absent is reported and skipped
     constexpr Missing kReported = Missing::NotedLogged;
     card.associations = readEachChild(reported.need(e, "Associations", kReported), readAssociation);
@@ -233,7 +219,7 @@ bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loade
     if (!groups.isNull() && !readConnectorGroups(groups, card.capacity, error, loader)) return false;
 
     const bool capacitiesRead =
-        forEachChildWhile(reported.need(e, "CapacityGroups", kReported), [&](const QDomElement& c) {
+        forEachChild(reported.need(e, "CapacityGroups", kReported), [&](const QDomElement& c) {
             s_CapacityInCapacityGroups capacity;
             if (!readCapacityGroup(c, capacity, error, loader)) return false;
             card.capacityGroups.push_back(std::move(capacity));
@@ -257,7 +243,7 @@ bool readCatalogueFile(const QDomElement& root, std::vector<s_Subcard>& catalogu
         observe::diagnose(DiagnosticKind::ElementMissing, error, root, "Subcards");
         return true;
     }
-    return forEachChildWhile(cards, [&](const QDomElement& e) {
+    return forEachChild(cards, [&](const QDomElement& e) {
         const observe::Record r(RecordKind::Card, catalogue.size(), e);
         s_Subcard card;
         if (!readCard(e, card, error, loader)) return false;

@@ -40,7 +40,10 @@ LCD_CONFIGMODEL_EXPORT extern const DocumentFamily kUiFile;     // root "LCD"
 LCD_CONFIGMODEL_EXPORT extern const DocumentFamily kHdrFile;    // UI texts, root "Kalmir"
 
 // Who loads: the translation context of the loader class (or none) and the
-// site its diagnostics are reported from.
+// site its diagnostics are reported from. Every reader makes its loader the
+// same way, where it reports from: Loader{kDeviceFile, kTrContext, LCD_LOG_SITE},
+// with its file's kTrContext (the class name, or "QObject" for a class that is
+// no Qt object), or nullptr for a family whose texts are never translated.
 struct LCD_CONFIGMODEL_EXPORT Loader {
     const DocumentFamily& family;
     const char* trContext;

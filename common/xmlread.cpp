@@ -151,6 +151,11 @@ T number(const QDomElement& e, const char* name, const char* def, ReadKind kind,
     return v;
 }
 
+std::string utf8(const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
+}
+
 } // namespace
 
 QDomElement child(const QDomElement& parent, const char* name) {
@@ -160,21 +165,19 @@ QDomElement child(const QDomElement& parent, const char* name) {
     return e;
 }
 
-QDomElement firstChild(const QDomElement& parent) {
-    return child(parent, nullptr);
-}
-
 QDomElement next(const QDomElement& element) {
     QDomElement e = element.nextSiblingElement();
     visited(e);
     return e;
 }
 
+namespace detail {
 QDomElement nextNamed(const QDomElement& element, const char* name) {
     QDomElement e = element.nextSiblingElement(interned(name));
     visited(e);
     return e;
 }
+} // namespace detail
 
 QString attr(const QDomElement& e, const char* name, const char* def) {
     const Found found = find(e, name);
@@ -189,6 +192,7 @@ bool hasAttr(const QDomElement& e, const char* name) {
     return found.present;
 }
 
+namespace detail {
 qint32 decimal(const QString& text, bool* ok) {
     qint32 v;
     if (plainDecimal(reinterpret_cast<const ushort*>(text.constData()), text.size(), &v)) {
@@ -206,11 +210,12 @@ qint32 decimal(const char* text, bool* ok) {
     }
     return QString::fromLatin1(text).toInt(ok);
 }
+} // namespace detail
 
 qint32 intAttr(const QDomElement& e, const char* name, const char* def) {
     const Found found = find(e, name);
     bool ok = true;
-    const qint32 v = found.present ? decimal(found.raw, &ok) : decimal(def, &ok);
+    const qint32 v = found.present ? detail::decimal(found.raw, &ok) : detail::decimal(def, &ok);
     reported(e, name, def, ReadKind::Int, found, v, ok);
     return v;
 }
@@ -233,19 +238,9 @@ std::string textAttr(const QDomElement& e, const char* name, const char* def) {
     return found.present ? utf8(found.raw) : std::string(def);
 }
 
-std::string utf8(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
-}
-
 std::string firstNodeText(const QDomElement& e) {
     textWasRead(e);
     return utf8(e.firstChild().nodeValue());
-}
-
-void readInts(const QDomElement& e, std::initializer_list<IntField> fields) {
-    for (const IntField& f : fields)
-        *f.field = intAttr(e, f.name, f.def);
 }
 
 namespace detail {
@@ -270,9 +265,8 @@ void store(const QDomElement& e, const Attr& a, std::string* out) {
     *out = textAttr(e, a.name, a.def);
 }
 
-void store(const QDomElement&, const Attr& a, std::nullptr_t) {
-    Q_ASSERT_X(false, "xml::read", a.name); // the record has no field of that name
-    Q_UNUSED(a);
+void store(const QDomElement& e, const Attr& a, quint16* out) {
+    *out = attr(e, a.name, a.def).toUShort();
 }
 
 } // namespace detail
@@ -335,35 +329,12 @@ QString elementText(const QDomElement& e) {
 
 qint32 intText(const QDomElement& e) {
     textWasRead(e, ReadKind::Int);
-    return decimal(e.text(), nullptr);
-}
-
-void updateInts(const QDomElement& e, std::initializer_list<IntField> fields) {
-    if (!e.isNull()) readInts(e, fields);
+    return detail::decimal(e.text(), nullptr);
 }
 
 double doubleAttr(const QDomElement& e, const char* name, const char* def) {
     return number<double>(e, name, def, ReadKind::Double,
                           [](const QString& t, bool* ok) { return t.toDouble(ok); });
-}
-
-QDomElement childAt(const QDomElement& parent, int position) {
-    QDomElement e = firstChild(parent);
-    for (; position > 0 && !e.isNull(); --position)
-        e = next(e);
-    return e;
-}
-
-void forEachChildByTag(const QDomElement& parent, std::initializer_list<TagHandler> handlers) {
-    forEachChild(parent, [&](const QDomElement& e) {
-        const QString tag = e.tagName();
-        for (const TagHandler& h : handlers) {
-            if (tag == QLatin1String(h.tag)) {
-                h.read(e);
-                return;
-            }
-        }
-    });
 }
 
 bool isNamed(const QDomElement& e, const char* name) {

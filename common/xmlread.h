@@ -12,7 +12,6 @@
 #include <QtXml/QDomElement>
 
 #include <cstddef>
-#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <string>
@@ -31,15 +30,11 @@ namespace xml {
 
 // ---- elements -------------------------------------------------------------
 
-// The first child element named `name`; null when there is none or `parent` is null.
-LCD_CONFIGMODEL_EXPORT QDomElement child(const QDomElement& parent, const char* name);
-// The first child element of any name.
-LCD_CONFIGMODEL_EXPORT QDomElement firstChild(const QDomElement& parent);
+// The first child element named `name` (of any name without one); null when
+// there is none or `parent` is null.
+LCD_CONFIGMODEL_EXPORT QDomElement child(const QDomElement& parent, const char* name = nullptr);
 // The next sibling element of any name.
 LCD_CONFIGMODEL_EXPORT QDomElement next(const QDomElement& element);
-// The child element at `position` (0 = first) whatever its name; null when
-// `parent` has fewer children.
-LCD_CONFIGMODEL_EXPORT QDomElement childAt(const QDomElement& parent, int position);
 // True when `e` is an element named exactly `name` (case-sensitive).
 LCD_CONFIGMODEL_EXPORT bool isNamed(const QDomElement& e, const char* name);
 
@@ -59,22 +54,63 @@ private:
     QHash<QString, QDomElement> m_first;
 };
 
-// The repeated-element walk: the first child named `firstName`, then every
-// following sibling element whatever its name.
-template <class F> void forEachRepeated(const QDomElement& parent, const char* firstName, F&& f) {
-    for (QDomElement e = child(parent, firstName); !e.isNull(); e = next(e))
-        f(e);
-}
-// Every child element, whatever its name, in document order.
-template <class F> void forEachChild(const QDomElement& parent, F&& f) {
-    for (QDomElement e = firstChild(parent); !e.isNull(); e = next(e))
-        f(e);
-}
-// Every child element named `name` (others are skipped).
+// ---- walks ----------------------------------------------------------------
+// Three forms: every child, every child of one name, and every child read
+// into a list.
+
+namespace detail {
 LCD_CONFIGMODEL_EXPORT QDomElement nextNamed(const QDomElement& element, const char* name);
+// Calls `f(e)`; a walk stops when `f` returns false (a void `f` never stops it).
+template <class F> bool goOn(F& f, const QDomElement& e) {
+    if constexpr (std::is_same_v<decltype(f(e)), bool>)
+        return f(e);
+    else
+        return f(e), true;
+}
+} // namespace detail
+
+// Every child element in document order, whatever its name; with `from`, the
+// repeated-element walk: the first child named `from`, then every following
+// sibling element whatever its name. A `f` that returns bool stops the walk
+// with false; the walk returns false when it was stopped.
+template <class F> bool forEachChild(const QDomElement& parent, const char* from, F&& f) {
+    for (QDomElement e = child(parent, from); !e.isNull(); e = next(e))
+        if (!detail::goOn(f, e)) return false;
+    return true;
+}
+template <class F> bool forEachChild(const QDomElement& parent, F&& f) {
+    return forEachChild(parent, nullptr, std::forward<F>(f));
+}
+// Every child element named `name`; others are skipped.
 template <class F> void forEachNamed(const QDomElement& parent, const char* name, F&& f) {
-    for (QDomElement e = child(parent, name); !e.isNull(); e = nextNamed(e, name))
+    for (QDomElement e = child(parent, name); !e.isNull(); e = detail::nextNamed(e, name))
         f(e);
+}
+// The children (from the first named `from`, as forEachChild walks them) read
+// by `read` into a list in document order:
+// `card.sections = readEachChild(sections, readSection)`.
+template <class Read>
+auto readEachChild(const QDomElement& parent, const char* from, Read&& read)
+    -> std::vector<decltype(read(parent))> {
+    std::vector<decltype(read(parent))> list;
+    forEachChild(parent, from, [&](const QDomElement& e) { list.push_back(read(e)); });
+    return list;
+}
+template <class Read>
+auto readEachChild(const QDomElement& parent, Read&& read) -> std::vector<decltype(read(parent))> {
+    return readEachChild(parent, nullptr, std::forward<Read>(read));
+}
+// The same, each item told to the load observer as a record of `kind` at its
+// place in the list, while it is read.
+template <class Read>
+auto readEachChild(const QDomElement& parent, const char* from, RecordKind kind, Read&& read)
+    -> std::vector<decltype(read(parent))> {
+    std::vector<decltype(read(parent))> list;
+    forEachChild(parent, from, [&](const QDomElement& e) {
+        const observe::Record r(kind, list.size(), e);
+        list.push_back(read(e));
+    });
+    return list;
 }
 
 // ---- attributes -----------------------------------------------------------
@@ -82,11 +118,13 @@ template <class F> void forEachNamed(const QDomElement& parent, const char* name
 // The attribute's text, or `def` when absent. The one attribute read.
 LCD_CONFIGMODEL_EXPORT QString attr(const QDomElement& e, const char* name, const char* def = "");
 LCD_CONFIGMODEL_EXPORT bool hasAttr(const QDomElement& e, const char* name);
+namespace detail {
 // Decimal text converted exactly as QString::toInt converts it (0 and `ok`
 // false for anything that is not a 32-bit decimal), straight from the
 // characters for the common shape ("-" and up to nine digits).
 LCD_CONFIGMODEL_EXPORT qint32 decimal(const QString& text, bool* ok = nullptr);
 LCD_CONFIGMODEL_EXPORT qint32 decimal(const char* text, bool* ok = nullptr);
+} // namespace detail
 // Number conversions without a success check: absent or non-numeric gives 0.
 LCD_CONFIGMODEL_EXPORT qint32 intAttr(const QDomElement& e, const char* name, const char* def = "");
 LCD_CONFIGMODEL_EXPORT quint32 uintAttr(const QDomElement& e, const char* name, const char* def = "");
@@ -97,9 +135,8 @@ LCD_CONFIGMODEL_EXPORT std::string textAttr(const QDomElement& e, const char* na
 
 // ---- texts ----------------------------------------------------------------
 
-LCD_CONFIGMODEL_EXPORT std::string utf8(const QString& text);
 // The element's whole text (every text node below it); empty for a null
-// element. utf8(elementText(e)) for the records that keep std::string.
+// element. elementText(e).toStdString() for the records that keep UTF-8.
 LCD_CONFIGMODEL_EXPORT QString elementText(const QDomElement& e);
 // Only the value of the first child node, as UTF-8: a name cut by a comment or
 // a child element keeps its first part (the card and connector names).
@@ -108,23 +145,29 @@ LCD_CONFIGMODEL_EXPORT std::string firstNodeText(const QDomElement& e);
 // (surrounding blanks are allowed).
 LCD_CONFIGMODEL_EXPORT qint32 intText(const QDomElement& e);
 
-// One attribute bound to an integer field, with its default.
-struct IntField {
-    const char* name;
-    qint32* field;
-    const char* def = "";
-};
-// Reads the listed attributes in order into their fields.
-LCD_CONFIGMODEL_EXPORT void readInts(const QDomElement& e, std::initializer_list<IntField> fields);
-// readInts on a present element; a null element leaves the fields alone.
-LCD_CONFIGMODEL_EXPORT void updateInts(const QDomElement& e, std::initializer_list<IntField> fields);
-
 // ---- value shapes ---------------------------------------------------------
 
+// The record fields a table can fill: an attribute fills the field of the
+// same name with a lower-case initial ("RefreshRate" fills refreshRate).
+// clang-format off
+#define LCD_XML_FIELDS(FIELD) \
+    FIELD(Support, support) FIELD(Editable, editable) FIELD(Value, value) FIELD(DataType, dataType) FIELD(Min, min) FIELD(Max, max) \
+    FIELD(RangeType, rangeType) FIELD(Coefficient, coefficient) FIELD(Step, step) FIELD(AutoRefresh, autoRefresh) \
+    FIELD(BackupPos, backupPos) FIELD(CapacityMode, capacityMode) FIELD(CardMode, cardMode) FIELD(Column, column) \
+    FIELD(Columns, columns) FIELD(ConnectorIndex, connectorIndex) FIELD(ConvertTimingPriority, convertTimingPriority) \
+    FIELD(CustomBuild, customBuild) FIELD(CustomDelete, customDelete) FIELD(Enable, enable) FIELD(Height, height) \
+    FIELD(IncompleteSplicing, incompleteSplicing) FIELD(Index, index) FIELD(InterfaceType, interfaceType) \
+    FIELD(Interlaced, interlaced) FIELD(InterlacedMaxCount, interlacedMaxCount) FIELD(IsMain, isMain) FIELD(LimitNum, limitNum) FIELD(ModelId, modelId) \
+    FIELD(ModuleId, moduleId) FIELD(Position, position) FIELD(PrintKeyNo, printKeyNo) FIELD(RefreshRate, refreshRate) \
+    FIELD(Row, row) FIELD(Rows, rows) FIELD(ScreenId, screenId) FIELD(SelectNum, selectNum) FIELD(Slot, slot) \
+    FIELD(SlotIndex, slotIndex) FIELD(SoftImp, softImp) FIELD(SpliceMode, spliceMode) FIELD(StandardType, standardType) \
+    FIELD(Type, type) FIELD(Valid, valid) FIELD(Visible, visible) FIELD(Width, width) FIELD(WorkMode, workMode) FIELD(X, x) FIELD(Y, y)
+// clang-format on
+
 namespace detail {
-// The record fields a table can fill, in the order readFields lists them.
-constexpr const char* kFieldNames[] = {"Support", "Editable",  "Value",       "DataType", "Min",
-                                       "Max",     "RangeType", "Coefficient", "Step"};
+#define LCD_XML_NAME(Name, member) #Name,
+constexpr const char* kFieldNames[] = {LCD_XML_FIELDS(LCD_XML_NAME)};
+#undef LCD_XML_NAME
 constexpr bool sameName(const char* a, const char* b) {
     while (*a && *a == *b) {
         ++a;
@@ -138,21 +181,23 @@ constexpr int field(const char* name) {
         if (sameName(name, kFieldNames[i])) return i;
     return -1;
 }
-} // namespace detail
-
-// An attribute with its default, as the tables write it: {"Max", "255"}. A
-// table lists the attributes in the order they are read; attributes not
-// listed are not read. Each name fills the record field of the same name:
-// "Support", "Editable", "Value" (a text record's text), "DataType", "Min",
-// "Max", "RangeType", "Coefficient", "Step"; 64-bit fields are read as 32-bit
-// decimals and widened.
+// One row of a table: an attribute with its default.
 struct Attr {
     const char* name;
     const char* def;
     int field; // where the name goes, found when the table is written
     constexpr Attr(const char* name, const char* def) : name(name), def(def), field(detail::field(name)) {}
 };
-using Attrs = std::initializer_list<Attr>;
+} // namespace detail
+
+// A table of attributes with their defaults, as the walks write it:
+// {{"Min", "0"}, {"Max", "255"}}. The attributes are read in the order listed;
+// attributes not listed are not read. Each name fills the record field of the
+// same name (LCD_XML_FIELDS; "Value" of a text record is its text), read as
+// the field's type: integers as 32-bit decimals (64-bit fields widened),
+// float, double, UTF-8 text; a 16-bit count is a text that QString::toUShort
+// converts (out of range or not a number gives 0).
+using Attrs = std::initializer_list<detail::Attr>;
 
 // Default tables shared by the walks.
 // Lenient: "Support" and "Editable" 1, the numbers 0.
@@ -181,44 +226,57 @@ LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, qint64* o
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, float* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, double* out);
 LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, std::string* out);
-LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, std::nullptr_t); // no such field
-// The member `m` of a record, or nullptr when the record has none ("Value" of
-// a text record is its text).
-// clang-format off
-#define LCD_XML_MEMBER(m) \
-    template <class R> auto m(R& r, int) -> decltype(&r.m) { return &r.m; } \
-    template <class R> std::nullptr_t m(R&, ...) { return nullptr; }
-LCD_XML_MEMBER(support) LCD_XML_MEMBER(editable) LCD_XML_MEMBER(dataType) LCD_XML_MEMBER(min)
-LCD_XML_MEMBER(max) LCD_XML_MEMBER(rangeType) LCD_XML_MEMBER(coefficient) LCD_XML_MEMBER(step)
+LCD_CONFIGMODEL_EXPORT void store(const QDomElement& e, const Attr& a, quint16* out);
+// No such field, or one a table cannot fill (a list, a nested record).
+inline void store(const QDomElement&, const Attr& a, std::nullptr_t) {
+    Q_ASSERT_X(false, "xml::readAs", a.name);
+    Q_UNUSED(a);
+}
+template <class T> void store(const QDomElement& e, const Attr& a, T*) {
+    store(e, a, nullptr);
+}
+// The member of a record named in LCD_XML_FIELDS, or a null pointer when the
+// record has none ("Value" of a text record is its text).
+#define LCD_XML_MEMBER(Name, member)                                                                         \
+    template <class R> auto member(R& r, int)->decltype(&r.member) {                                         \
+        return &r.member;                                                                                    \
+    }                                                                                                        \
+    template <class R> std::nullptr_t member(R&, ...) {                                                      \
+        return nullptr;                                                                                      \
+    }
+LCD_XML_FIELDS(LCD_XML_MEMBER)
 #undef LCD_XML_MEMBER
-template <class R> auto value(R& r, int) -> decltype(&r.value) { return &r.value; }
-template <class R> auto value(R& r, long) -> decltype(&r.text) { return &r.text; }
-template <class R> std::nullptr_t value(R&, ...) { return nullptr; }
-// clang-format on
+template <class R> auto value(R& r, long) -> decltype(&r.text) {
+    return &r.text;
+}
+
+#define LCD_XML_ENUM(Name, member) k##Name,
+enum FieldIndex { LCD_XML_FIELDS(LCD_XML_ENUM) };
+#undef LCD_XML_ENUM
 
 template <class R> void readFields(const QDomElement& e, Attrs attrs, R& r) {
-    const auto fields = std::make_tuple(support(r, 0), editable(r, 0), value(r, 0), dataType(r, 0), min(r, 0),
-                                        max(r, 0), rangeType(r, 0), coefficient(r, 0), step(r, 0));
     for (const Attr& a : attrs) {
-        Q_ASSERT_X(a.field >= 0, "xml::readAs", a.name); // no record has a field of that name
-        const int wanted = a.field;
-        std::apply(
-            [&](auto... f) {
-                int i = 0;
-                ((i++ == wanted ? store(e, a, f) : void()), ...);
-            },
-            fields);
+        switch (a.field) {
+#define LCD_XML_CASE(Name, member)                                                                           \
+    case k##Name:                                                                                            \
+        store(e, a, member(r, 0));                                                                           \
+        break;
+            LCD_XML_FIELDS(LCD_XML_CASE)
+#undef LCD_XML_CASE
+        default:
+            Q_ASSERT_X(false, "xml::readAs", a.name); // no record has a field of that name
+        }
     }
 }
-} // namespace detail
 
 // Appends the "Value" attribute of each listed child (absent gives 0) to
 // `values`, in file order.
 template <class Values> void appendValues(const QDomElement& e, ListFrom list, Values& values) {
     if (list == ListFrom::None) return;
-    forEachRepeated(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
-                    [&](const QDomElement& item) { values.push_back({intAttr(item, "Value")}); });
+    forEachChild(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
+                 [&](const QDomElement& item) { values.push_back({intAttr(item, "Value")}); });
 }
+} // namespace detail
 
 // A fresh record with the listed attributes read (a null element gives the
 // converted defaults): readAs<s_RangeValue>(e, kLenient).
@@ -230,7 +288,7 @@ template <class R> R readAs(const QDomElement& e, Attrs attrs) {
 // The same, with the values of an enumerated setting taken from `list`.
 template <class R> R readAs(const QDomElement& e, Attrs attrs, ListFrom list) {
     R r = readAs<R>(e, attrs);
-    appendValues(e, list, r.values);
+    detail::appendValues(e, list, r.values);
     return r;
 }
 
@@ -246,7 +304,7 @@ template <class R> void update(const QDomElement& e, Attrs attrs, ListFrom list,
     detail::readFields(e, attrs, out);
     if (list == ListFrom::None) return;
     out.values.clear();
-    appendValues(e, list, out.values);
+    detail::appendValues(e, list, out.values);
 }
 
 // ---- sections -------------------------------------------------------------
@@ -306,42 +364,6 @@ bool transact(std::tuple<Ts&...>&& targets, QString& error, const Loader& loader
     targets = std::move(local);
     return true;
 }
-
-// The transaction for one element of a repeated list: reads into a fresh
-// record and appends it to `list` only when the section is complete.
-template <class T, class Read>
-bool appendComplete(std::vector<T>& list, QString& error, const Loader& loader, Read&& read) {
-    T item{};
-    if (!transact(item, error, loader, std::forward<Read>(read))) return false;
-    list.push_back(std::move(item));
-    return true;
-}
-
-// forEachChild that stops at the first child for which `f` returns false.
-// Returns false when it stopped.
-template <class F> bool forEachChildWhile(const QDomElement& parent, F&& f) {
-    for (QDomElement e = firstChild(parent); !e.isNull(); e = next(e))
-        if (!f(e)) return false;
-    return true;
-}
-
-// Every child element, whatever its name, read by `read` into a list in
-// document order: `card.sections = readEachChild(sections, readSection)`.
-template <class Read>
-auto readEachChild(const QDomElement& parent, Read&& read) -> std::vector<decltype(read(parent))> {
-    std::vector<decltype(read(parent))> list;
-    forEachChild(parent, [&](const QDomElement& e) { list.push_back(read(e)); });
-    return list;
-}
-
-// Dispatch by tag name: every child element of `parent`, in document order,
-// goes to the handler of its tag name; children with other names are skipped.
-struct TagHandler {
-    const char* tag;
-    std::function<void(const QDomElement&)> read;
-};
-LCD_CONFIGMODEL_EXPORT void forEachChildByTag(const QDomElement& parent,
-                                              std::initializer_list<TagHandler> handlers);
 
 } // namespace xml
 } // namespace ConfigModel

@@ -11,23 +11,20 @@ LCD_DEFINE_SINGLETON(CrosscardConfigManager, CrossCard)
 
 namespace {
 
-// Not a Qt object: its texts use the translation context of QObject.
-Loader crossCardLoader(const LogSite& site) {
-    return Loader{kDeviceFile, "QObject", site};
+// Not a Qt object: its texts use the base object's translation context.
+constexpr char kTrContext[] = "QObject";
+
+const Attrs kConnector{
+    {"ModuleId", ""}, {"Slot", ""}, {"Position", ""}, {"IsMain", ""}, {"ConvertTimingPriority", ""}};
+
+CrossCard::s_CrossConnectorGroup readConnector(const QDomElement& e) {
+    return readAs<CrossCard::s_CrossConnectorGroup>(e, kConnector);
 }
 
 CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
     CrossCard::s_CrossConnectorGroups group;
     group.groupId = intAttr(e, "GroupId");
-    forEachRepeated(e, "Connector", [&](const QDomElement& c) {
-        CrossCard::s_CrossConnectorGroup connector;
-        readInts(c, {{"ModuleId", &connector.moduleId},
-                     {"Slot", &connector.slot},
-                     {"Position", &connector.position},
-                     {"IsMain", &connector.isMain},
-                     {"ConvertTimingPriority", &connector.convertTimingPriority}});
-        group.connectors.push_back(connector);
-    });
+    group.connectors = readEachChild(e, "Connector", readConnector);
     return group;
 }
 
@@ -35,8 +32,7 @@ CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
 CrossCard::s_CrossDeviceMode readDeviceMode(const QDomElement& e) {
     CrossCard::s_CrossDeviceMode mode;
     mode.value = intAttr(e, "Value");
-    forEachRepeated(child(child(e, "Capacity"), "Groups"), "Group",
-                    [&](const QDomElement& g) { mode.groups.push_back(readGroup(g)); });
+    mode.groups = readEachChild(child(child(e, "Capacity"), "Groups"), "Group", readGroup);
     return mode;
 }
 
@@ -48,18 +44,18 @@ CrosscardConfigManager::~CrosscardConfigManager() = default;
 bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QString& path, QString& error,
                                                      CrossCard::s_CrossSubcards& subcards) {
     QDomDocument doc;
-    return loadDocument(path, crossCardLoader(LCD_LOG_SITE), doc, error) &&
+    return loadDocument(path, Loader{kDeviceFile, kTrContext, LCD_LOG_SITE}, doc, error) &&
            parseDeviceCrosscardcfg(doc, error, subcards);
 }
 
 bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QDomDocument& doc, QString& error,
                                                      CrossCard::s_CrossSubcards& subcards) {
-    const Loader loader = crossCardLoader(LCD_LOG_SITE);
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!checkDocumentRoot(doc, loader, error)) return false;
     Section s(error, loader);
     const QDomElement list = s.need(s.need(doc.documentElement(), "Device"), "Subcards");
     if (!s.complete()) return false;
-    forEachRepeated(list, "Subcard", [&](const QDomElement& e) {
+    forEachChild(list, "Subcard", [&](const QDomElement& e) {
         CrossCard::s_CrossSubcard subcard;
         subcardInfo(e, subcard);
         subcards.push_back(std::move(subcard));
@@ -75,8 +71,8 @@ void CrosscardConfigManager::subcardInfo(const QDomElement& element, CrossCard::
     subcard.deviceInterfaceGroup = readAs<s_SupportInfo>(deviceGroup, kLenientPair);
     subcard.offset = intAttr(deviceGroup, "Offset", "100");
     // Every sibling after the first "DeviceMode" is a device mode, whatever its name.
-    forEachRepeated(element, "DeviceMode",
-                    [&](const QDomElement& e) { subcard.deviceModes.push_back(readDeviceMode(e)); });
+    forEachChild(element, "DeviceMode",
+                 [&](const QDomElement& e) { subcard.deviceModes.push_back(readDeviceMode(e)); });
 }
 
 } // namespace ConfigModel

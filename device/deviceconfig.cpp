@@ -30,7 +30,7 @@ using Devicecfg::s_Device;
 namespace {
 
 // The registry is no Qt object: its texts use the base object's context.
-const char kTrContext[] = "QObject";
+constexpr char kTrContext[] = "QObject";
 
 // Runs one per-device parser on an already parsed file into `fresh`. A
 // rejected file is reported as "Error:" with the parser's reason; a reason

@@ -13,6 +13,9 @@ LCD_DEFINE_SINGLETON(DeviceFeatureConfigManager, DeviceFeature)
 
 namespace {
 
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::DeviceFeatureConfigManager";
+
 // Default tables shared by several sections of the file.
 // A named range: "Value" is not read.
 const Attrs kNamed = {{"Support", "1"}, {"Editable", "1"}, {"DataType", "0"}, {"Min", "0"}, {"Max", "255"}};
@@ -69,7 +72,7 @@ bool Walk::read(const QDomElement& root, s_DeviceFeature& f) {
     readSystemSections(device, f);
     section(f.deviceSelfTest, [&](Section& s, s_SupportInfo& selfTest) {
         // only "Support" is read; editable stays -1
-        readInts(s.need(device, "DeviceSelfTest"), {{"Support", &selfTest.support, "1"}});
+        update(s.need(device, "DeviceSelfTest"), {{"Support", "1"}}, selfTest);
     });
     section(f.interfaceGroup, [&](Section& s, s_SupportInfo& group) {
         group = readAs<s_SupportInfo>(s.need(device, "InterfaceGroup"), kLenientPair);
@@ -94,11 +97,12 @@ void Walk::readTypeName(const Children& device, s_DeviceFeature& f) {
             icon = textAttr(typeName, "Icon");
         }))
         return;
-    if (!section(f.enName,
-                 [&](Section& s, std::string& en) { en = utf8(elementText(s.need(typeName, "en"))); }))
+    if (!section(f.enName, [&](Section& s, std::string& en) {
+            en = elementText(s.need(typeName, "en")).toStdString();
+        }))
         return;
     section(f.zhName,
-            [&](Section& s, std::string& zh) { zh = utf8(elementText(s.need(typeName, "zh_CN"))); });
+            [&](Section& s, std::string& zh) { zh = elementText(s.need(typeName, "zh_CN")).toStdString(); });
 }
 
 void Walk::readFeatures(const Children& features, s_Features& f) {
@@ -214,9 +218,7 @@ void Walk::readSystemSections(const Children& device, s_DeviceFeature& f) {
         const QDomElement e = s.need(device, "NetWorks");
         networks = readAs<s_SupportInfo>(e, kLenientPair);
         const QDomElement net = s.need(e, "NetWork"); // only the first one counts
-        readInts(net, {{"Support", &network.support, "1"},
-                       {"Editable", &network.editable, "1"},
-                       {"Index", &network.index, "1"}});
+        update(net, {{"Support", "1"}, {"Editable", "1"}, {"Index", "1"}}, network);
         network.dhcp = readAs<s_OptionList>(s.need(net, "Dhcp"), kLenientOptions, ListFrom::EnumFirst);
         network.ip = readAs<s_TextRange>(s.need(net, "Ip"), kLenientOptions);
         network.subNetMask = readAs<s_TextRange>(s.need(net, "SubNetMask"), kLenientOptions);
@@ -300,8 +302,11 @@ void Walk::readLateFeatures(const Children& features, s_Features& f) {
                 const QDomElement e = s.need(features, "AntiStatic");
                 antiStatic = readAs<s_SupportInfo>(e, kLenientPair);
                 // two children by position, whatever their names; a missing one reads as its defaults
-                readInts(childAt(e, 0), {{"Value", &enable, "1"}});
-                readInts(childAt(e, 1), {{"Value", &value, "1"}, {"Min", &min, "1"}, {"Max", &max, "1"}});
+                const QDomElement first = child(e);
+                enable = intAttr(first, "Value", "1");
+                const auto range =
+                    readAs<s_RangeValue>(next(first), {{"Value", "1"}, {"Min", "1"}, {"Max", "1"}});
+                std::tie(value, min, max) = std::tie(range.value, range.min, range.max);
             });
     section(f.checkBlank, [&](Section& s, s_OptionList& blank) {
         const Attrs attrs = {{"Support", "1"}, {"Editable", "1"}, {"Value", "110"}}; // "DataType" is not read
@@ -316,14 +321,14 @@ DeviceFeatureConfigManager::~DeviceFeatureConfigManager() = default;
 
 bool DeviceFeatureConfigManager::parseDeviceFeaturecfg(const QString& path, QString& error,
                                                        s_DeviceFeature& feature) {
-    const Loader loader{kDeviceFile, staticMetaObject.className(), LCD_LOG_SITE};
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     QDomDocument doc;
     return loadDocument(path, loader, doc, error) && Walk(error, loader).read(doc.documentElement(), feature);
 }
 
 bool DeviceFeatureConfigManager::parseDeviceFeaturecfg(const QDomDocument& doc, QString& error,
                                                        s_DeviceFeature& feature) {
-    const Loader loader{kDeviceFile, staticMetaObject.className(), LCD_LOG_SITE};
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     return checkDocumentRoot(doc, loader, error) && Walk(error, loader).read(doc.documentElement(), feature);
 }
 

@@ -11,6 +11,9 @@ LCD_DEFINE_SINGLETON(LayerConfigManager, Layer)
 
 namespace {
 
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::LayerConfigManager";
+
 // Every reader of a layer part is lenient: a missing element leaves its
 // target alone. A present group is read whole into a fresh record, so the
 // parts it leaves out are at their defaults.
@@ -76,13 +79,13 @@ LayerConfigManager::~LayerConfigManager() = default;
 bool LayerConfigManager::parseDeviceLayercfg(const QString& path, QString& error,
                                              Layercfg::s_VrnLayer& layer) {
     QDomDocument doc;
-    return loadDocument(path, Loader{kDeviceFile, staticMetaObject.className(), LCD_LOG_SITE}, doc, error) &&
+    return loadDocument(path, Loader{kDeviceFile, kTrContext, LCD_LOG_SITE}, doc, error) &&
            parseDeviceLayercfg(doc, error, layer);
 }
 
 bool LayerConfigManager::parseDeviceLayercfg(const QDomDocument& doc, QString& error,
                                              Layercfg::s_VrnLayer& layer) {
-    const Loader loader{kDeviceFile, staticMetaObject.className(), LCD_LOG_SITE};
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!checkDocumentRoot(doc, loader, error)) return false;
     Section s(error, loader);
     // Only the first "Layer" counts.

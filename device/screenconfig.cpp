@@ -17,9 +17,8 @@ using xml::forEachChild;
 using xml::intAttr;
 using xml::ListFrom;
 
-Loader screenLoader(LogSite site) {
-    return Loader{kDeviceFile, ScreenConfigManager::staticMetaObject.className(), site};
-}
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::ScreenConfigManager";
 
 // Unless a default is written at the call, every attribute of a screen file is
 // read with an empty default: an absent attribute of a present element stores
@@ -32,26 +31,16 @@ const xml::Attrs kNameLimits{{"DataType", ""}, {"Min", ""}, {"Max", ""}};
 
 // ---- device modes ---------------------------------------------------------
 
+const xml::Attrs kCell{{"X", ""},   {"Y", ""},      {"Width", ""},     {"Height", ""},
+                       {"Row", ""}, {"Column", ""}, {"SlotIndex", ""}, {"ConnectorIndex", ""}};
+
 s_Cell readCell(const QDomElement& e) {
-    s_Cell c;
-    xml::readInts(e, {{"X", &c.x},
-                      {"Y", &c.y},
-                      {"Width", &c.width},
-                      {"Height", &c.height},
-                      {"Row", &c.row},
-                      {"Column", &c.column},
-                      {"SlotIndex", &c.slotIndex},
-                      {"ConnectorIndex", &c.connectorIndex}});
-    return c;
+    return xml::readAs<s_Cell>(e, kCell);
 }
 
 s_Layout readLayout(const QDomElement& e) {
-    s_Layout layout;
-    xml::readInts(e, {{"Rows", &layout.rows}, {"Columns", &layout.columns}, {"ScreenId", &layout.screenId}});
-    forEachChild(e, [&](const QDomElement& cell) {
-        const observe::Record r(RecordKind::Cell, layout.cells.size(), cell);
-        layout.cells.push_back(readCell(cell));
-    });
+    auto layout = xml::readAs<s_Layout>(e, {{"Rows", ""}, {"Columns", ""}, {"ScreenId", ""}});
+    layout.cells = xml::readEachChild(e, nullptr, RecordKind::Cell, readCell);
     return layout;
 }
 
@@ -65,18 +54,14 @@ s_Templete readTemplete(const QDomElement& e) {
     xml::update(size("Width"), kRange, t.physicalSize.width);
     xml::update(size("Height"), kRange, t.physicalSize.height);
     xml::update(size("Unit"), kOptionHeader, ListFrom::AnyChild, t.physicalSize.unit);
-    forEachChild(c("Layouts"), [&](const QDomElement& layout) {
-        const observe::Record r(RecordKind::Layout, t.layouts.size(), layout);
-        t.layouts.push_back(readLayout(layout));
-    });
+    t.layouts = xml::readEachChild(c("Layouts"), nullptr, RecordKind::Layout, readLayout);
     return t;
 }
 
 s_LayerType readLayerType(const QDomElement& e) {
     s_LayerType l;
     l.value = intAttr(e, "Value");
-    xml::updateInts(child(e, "LayerCount"),
-                    {{"Max", &l.layerCount.max, "1"}, {"Valid", &l.layerCount.valid, "1"}});
+    xml::update(child(e, "LayerCount"), {{"Max", "1"}, {"Valid", "1"}}, l.layerCount);
     xml::update(child(e, "Unit"), {{"Value", "1"}, {"DataType", "1"}}, ListFrom::AnyChild, l.unit);
     return l;
 }
@@ -86,15 +71,12 @@ void readDeviceMode(xml::Section& s, const QDomElement& e, s_DeviceMode& mode) {
     mode.value = intAttr(e, "Value");
     const Children c(e);
     const QDomElement pvw = s.need(c, "PVW");
-    xml::readInts(pvw, {{"Support", &mode.pvw.support, "1"}, {"SoftImp", &mode.pvw.softImp, "1"}});
+    mode.pvw = xml::readAs<s_Pvw>(pvw, {{"Support", "1"}, {"SoftImp", "1"}});
     const QDomElement templetes = s.need(c, "Templetes");
     if (!s.complete()) return;
     mode.templetesValue = intAttr(templetes, "Value", "1");
-    forEachChild(templetes, [&](const QDomElement& t) {
-        const observe::Record r(RecordKind::Templete, mode.templetes.size(), t);
-        mode.templetes.push_back(readTemplete(t));
-    });
-    forEachChild(c("LayerTypes"), [&](const QDomElement& l) { mode.layerTypes.push_back(readLayerType(l)); });
+    mode.templetes = xml::readEachChild(templetes, nullptr, RecordKind::Templete, readTemplete);
+    mode.layerTypes = xml::readEachChild(c("LayerTypes"), readLayerType);
 }
 
 // ---- feature tree ---------------------------------------------------------
@@ -150,10 +132,7 @@ void readFeather(const QDomElement& e, s_Feather& out) {
 }
 
 void readRefOutputPara(const QDomElement& e, s_RefOutputPara& out) {
-    xml::updateInts(e, {{"Support", &out.support},
-                        {"Editable", &out.editable},
-                        {"CustomBuild", &out.customBuild},
-                        {"CustomDelete", &out.customDelete}});
+    xml::update(e, {{"Support", ""}, {"Editable", ""}, {"CustomBuild", ""}, {"CustomDelete", ""}}, out);
     const Children c(e);
     readColorSetting(c("ColorDepths"), "ActualColorDepth", "PresetColorDepth", out.colorDepths);
     readColorSetting(c("ColorSpaces"), "ActualColorSpace", "PresetColorSpace", out.colorSpaces);
@@ -223,24 +202,23 @@ void readFeatures(const QDomElement& e, const Loader& loader, QString& error, s_
 
 // ---- the screen -----------------------------------------------------------
 
+const xml::Attrs kScreen{
+    {"Type", ""},        {"Support", ""},      {"SpliceMode", ""}, {"IncompleteSplicing", ""},
+    {"CustomBuild", ""}, {"CustomDelete", ""}, {"Editable", ""},   {"LimitNum", ""}};
+
 void readScreen(const QDomElement& e, const Loader& loader, QString& error, s_VrnScreen& screen) {
-    xml::readInts(e, {{"Type", &screen.type},
-                      {"Support", &screen.support},
-                      {"SpliceMode", &screen.spliceMode},
-                      {"IncompleteSplicing", &screen.incompleteSplicing},
-                      {"CustomBuild", &screen.customBuild},
-                      {"CustomDelete", &screen.customDelete},
-                      {"Editable", &screen.editable},
-                      {"LimitNum", &screen.limitNum}});
+    xml::update(e, kScreen, screen);
 
     xml::Section noted(error, loader);
     if (const QDomElement modes = noted.need(e, "DeviceModes", xml::Missing::Noted); !modes.isNull()) {
         screen.deviceModesInfo = xml::readAs<s_SupportInfo>(modes, xml::kLenientPair);
-        std::vector<s_DeviceMode> list; // replaces the record's list
+        std::vector<s_DeviceMode> list; // replaces the record's list; an incomplete mode is dropped
         forEachChild(modes, [&](const QDomElement& mode) {
             const observe::Record r(RecordKind::DeviceMode, list.size(), mode);
-            xml::appendComplete(list, error, loader,
-                                [&](xml::Section& s, s_DeviceMode& out) { readDeviceMode(s, mode, out); });
+            s_DeviceMode m;
+            if (xml::transact(m, error, loader,
+                              [&](xml::Section& s, s_DeviceMode& out) { readDeviceMode(s, mode, out); }))
+                list.push_back(std::move(m));
         });
         screen.deviceModes = std::move(list);
     }
@@ -254,13 +232,13 @@ void readScreen(const QDomElement& e, const Loader& loader, QString& error, s_Vr
 bool ScreenConfigManager::parseDeviceScreencfg(const QString& path, QString& error,
                                                Screen::s_VrnScreen& screen) {
     QDomDocument doc;
-    return loadDocument(path, screenLoader(LCD_LOG_SITE), doc, error) &&
+    return loadDocument(path, Loader{kDeviceFile, kTrContext, LCD_LOG_SITE}, doc, error) &&
            parseDeviceScreencfg(doc, error, screen);
 }
 
 bool ScreenConfigManager::parseDeviceScreencfg(const QDomDocument& doc, QString& error,
                                                Screen::s_VrnScreen& screen) {
-    const Loader loader = screenLoader(LCD_LOG_SITE);
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!checkDocumentRoot(doc, loader, error)) return false;
     // Only the first "Screen" is read; without the three the file is unusable.
     xml::Section required(error, loader);

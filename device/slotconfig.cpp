@@ -17,17 +17,15 @@ enum class Group { Input, Mixed, Other };
 
 // The cards placed in a mixed-card slot, each with its connector groups.
 std::vector<Slot::s_InlineSubcard> readInlineSubcards(const QDomElement& subcards) {
-    std::vector<Slot::s_InlineSubcard> cards;
-    forEachRepeated(subcards, "Subcard", [&](const QDomElement& e) {
-        const observe::Record r(RecordKind::SlotCard, cards.size(), e);
+    return readEachChild(subcards, "Subcard", RecordKind::SlotCard, [](const QDomElement& e) {
         Slot::s_InlineSubcard card;
         card.moduleId = intAttr(e, "ModuleId", "0");
-        forEachRepeated(child(e, "ConnectorGroups"), "ConnectorGroup", [&](const QDomElement& g) {
-            card.connectorGroups.push_back({intAttr(g, "Value", "0"), textAttr(g, "GroupName")});
-        });
-        cards.push_back(std::move(card));
+        card.connectorGroups =
+            readEachChild(child(e, "ConnectorGroups"), "ConnectorGroup", [](const QDomElement& g) {
+                return Slot::s_ConnectorGroup{intAttr(g, "Value", "0"), textAttr(g, "GroupName")};
+            });
+        return card;
     });
-    return cards;
 }
 
 // One group element into `out`. A missing element leaves `out` alone; so does
@@ -42,7 +40,7 @@ void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     local.pluginDirection = intAttr(group, "PluginDirection");
     local.interfaceType = intAttr(group, "InterfaceType");
     // Every sibling after the first "Slot" is a slot, whatever its name.
-    forEachRepeated(group, "Slot", [&](const QDomElement& e) {
+    forEachChild(group, "Slot", [&](const QDomElement& e) {
         if (kind == Group::Input && !hasAttr(e, "Index")) return; // an input slot without a number is skipped
         const observe::Record r(RecordKind::Slot, local.slots.size(), e);
         Slot::s_Slot slot;
@@ -52,16 +50,14 @@ void readGroup(const QDomElement& group, Group kind, Slot::s_SlotAttr& out) {
     });
     const QDomElement subcards = child(group, "Subcards");
     if (subcards.isNull() && kind != Group::Mixed) return;
-    forEachRepeated(subcards, "Subcard", [&](const QDomElement& e) {
-        const observe::Record r(RecordKind::GroupCard, local.subcards.size(), e);
-        local.subcards.push_back({intAttr(e, "ModuleId")});
+    local.subcards = readEachChild(subcards, "Subcard", RecordKind::GroupCard, [](const QDomElement& e) {
+        return Slot::s_Subcard{intAttr(e, "ModuleId")};
     });
     out = std::move(local);
 }
 
-Loader slotLoader(const LogSite& site) {
-    return Loader{kDeviceFile, SlotConfigManager::staticMetaObject.className(), site};
-}
+// Texts are translated in the class's own context.
+constexpr char kTrContext[] = "LCD::ConfigModel::SlotConfigManager";
 
 } // namespace
 
@@ -70,11 +66,12 @@ SlotConfigManager::~SlotConfigManager() = default;
 
 bool SlotConfigManager::parseDeviceSlotcfg(const QString& path, QString& error, Slot::s_VrnSolt& slot) {
     QDomDocument doc;
-    return loadDocument(path, slotLoader(LCD_LOG_SITE), doc, error) && parseDeviceSlotcfg(doc, error, slot);
+    return loadDocument(path, Loader{kDeviceFile, kTrContext, LCD_LOG_SITE}, doc, error) &&
+           parseDeviceSlotcfg(doc, error, slot);
 }
 
 bool SlotConfigManager::parseDeviceSlotcfg(const QDomDocument& doc, QString& error, Slot::s_VrnSolt& slot) {
-    const Loader loader = slotLoader(LCD_LOG_SITE);
+    const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!checkDocumentRoot(doc, loader, error)) return false;
     return transact(slot.slots, error, loader, [&](Section& s, Slot::s_Slots& groups) {
         const QDomElement device = s.need(doc.documentElement(), "Device");

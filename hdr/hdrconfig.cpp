@@ -110,20 +110,19 @@ void HDRConfig::initOutputConfig() {
 bool HDRConfig::readConfig(const QString& path, QString& error, HDROptionTable& out) {
     QDomDocument doc;
     if (!loadDocument(path, Loader{kHdrFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
-    forEachRepeated(doc.documentElement(), "Key",
-                    [&](const QDomElement& key) { parseKeyValueInfo(key, out); });
+    forEachChild(doc.documentElement(), "Key", [&](const QDomElement& key) { parseKeyValueInfo(key, out); });
     return true;
 }
 
 void HDRConfig::parseKeyValueInfo(const QDomElement& key, HDROptionTable& out) {
     const HDRKey k{intAttr(key, "Type"), intAttr(key, "Value")};
     const observe::Record r(RecordKind::HdrKey, std::size_t(k.type), key, k.value);
-    forEachRepeated(key, "ValueInfo", [&](const QDomElement& info) {
+    forEachChild(key, "ValueInfo", [&](const QDomElement& info) {
         std::map<int, std::list<int>>& dependents = out[k];
         const int type = intAttr(info, "Type");
         const observe::Record setting(RecordKind::HdrSetting, std::size_t(type), info);
         std::list<int> values;
-        forEachRepeated(info, "SupportValue", [&](const QDomElement& v) {
+        forEachChild(info, "SupportValue", [&](const QDomElement& v) {
             const observe::Record value(RecordKind::HdrValue, values.size(), v);
             values.push_back(intText(v));
         });

@@ -272,7 +272,9 @@ template <class T> QString difference(const T& a, const T& b, const QString& at)
 // both values ("r.max: 0 vs 255").
 #define LCD_COMPARE_RECORDS(actual, expected)                                                                \
     do {                                                                                                     \
-        const QString lcdDifference = test::difference((actual), (expected), QStringLiteral(#actual));       \
-        if (!lcdDifference.isEmpty() || !((actual) == (expected)))                                           \
+        const auto& lcdActual = (actual);                                                                    \
+        const std::decay_t<decltype(lcdActual)>& lcdExpected = (expected);                                   \
+        const QString lcdDifference = test::difference(lcdActual, lcdExpected, QStringLiteral(#actual));     \
+        if (!lcdDifference.isEmpty() || !(lcdActual == lcdExpected))                                         \
             QFAIL(qPrintable(QStringLiteral("records differ at ") + lcdDifference));                         \
     } while (false)

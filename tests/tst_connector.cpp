@@ -75,22 +75,25 @@ private Q_SLOTS:
         QVERIFY(log.clean());
         QCOMPARE(c.name.zh_CN, std::string("HDMI 接口"));
         const s_CapacityModeInInterface& mode = c.interfaces.at(0).capacityModes.at(0);
-        QCOMPARE(mode.bandWidth, (s_ConnectorBandWidth{1, 0, 25000, 165000}));
-        QCOMPARE(mode.resolutionRatios.resolutionRatio.width,
-                 (s_ConnectorStepRange{{1, 1, 1920, 0, 640, 3840}, 8}));
-        QCOMPARE(mode.advResolutionRatio.horizontal.totalTime, (s_RangeValue{0, 0, 2200, 0, 0, 0}));
+        LCD_COMPARE_RECORDS(mode.bandWidth, (s_ConnectorBandWidth{1, 0, 25000, 165000}));
+        LCD_COMPARE_RECORDS(mode.resolutionRatios.resolutionRatio.width,
+                            (s_ConnectorStepRange{{1, 1, 1920, 0, 640, 3840}, 8}));
+        LCD_COMPARE_RECORDS(mode.advResolutionRatio.horizontal.totalTime,
+                            (s_RangeValue{0, 0, 2200, 0, 0, 0}));
         // The polarity's value list has no place in the record; min and max keep their defaults.
-        QCOMPARE(mode.advResolutionRatio.horizontal.polarity, (s_RangeValue{1, 1, 1, 1, 0, 255}));
+        LCD_COMPARE_RECORDS(mode.advResolutionRatio.horizontal.polarity, (s_RangeValue{1, 1, 1, 1, 0, 255}));
         // A present axis without children keeps the range defaults.
-        QCOMPARE(mode.advResolutionRatio.vertical.sync, s_RangeValue{});
-        QCOMPARE(mode.disables.at(0), (s_resolutionResolutionRatio{720, 576, 5000, 1, 0, 0, 0.01f, {}}));
-        QCOMPARE(c.hdcp.interfaces.at(0).typeSet, (s_ConnectorEnumSet{0, 0, 22, 0, {{14}, {22}}}));
-        QCOMPARE(c.presetTiming.interfaces.at(0).refresh,
-                 (s_ConnectorRefreshSet{0, 0, 6000, 0, 0.01f, {{5000}, {6000}}}));
+        LCD_COMPARE_RECORDS(mode.advResolutionRatio.vertical.sync, s_RangeValue{});
+        LCD_COMPARE_RECORDS(mode.disables.at(0),
+                            (s_resolutionResolutionRatio{720, 576, 5000, 1, 0, 0, 0.01f, {}}));
+        LCD_COMPARE_RECORDS(c.hdcp.interfaces.at(0).typeSet, (s_ConnectorEnumSet{0, 0, 22, 0, {{14}, {22}}}));
+        LCD_COMPARE_RECORDS(c.presetTiming.interfaces.at(0).refresh,
+                            (s_ConnectorRefreshSet{0, 0, 6000, 0, 0.01f, {{5000}, {6000}}}));
         // Porch, sync and total of a preset axis read neither "Max" nor "Value".
-        QCOMPARE(c.presetTiming.interfaces.at(0).horizontal.frontPorch, (s_RangeValue{0, 0, 0, 0, 8, 255}));
+        LCD_COMPARE_RECORDS(c.presetTiming.interfaces.at(0).horizontal.frontPorch,
+                            (s_RangeValue{0, 0, 0, 0, 8, 255}));
         // Colour channels read no "Editable".
-        QCOMPARE(c.imageQuality.interfaces.at(0).contrast.r, (s_RangeValue{1, -1, 0, 0, 0, 100}));
+        LCD_COMPARE_RECORDS(c.imageQuality.interfaces.at(0).contrast.r, (s_RangeValue{1, -1, 0, 0, 0, 100}));
         QCOMPARE(c.imageQuality.interfaces.at(0).gammaCoefficient, 0.1f);
     }
 
@@ -136,10 +139,10 @@ private Q_SLOTS:
             read(description({mode + "AdvResolutionRatio", mode + "Disables",
                               mode + "ResolutionRatios/ResolutionRatio", "HDCP/Interface/Type"}));
         const s_CapacityModeInInterface& m = c.interfaces.at(0).capacityModes.at(0);
-        QCOMPARE(m.advResolutionRatio, s_ConnectorAdvResolutionRatio{});
+        LCD_COMPARE_RECORDS(m.advResolutionRatio, s_ConnectorAdvResolutionRatio{});
         QVERIFY(m.disables.empty());
-        QCOMPARE(m.resolutionRatios.resolutionRatio, s_ConnectorResolutionRatio{});
-        QCOMPARE(c.hdcp.interfaces.at(0).typeSet, s_ConnectorEnumSet{});
+        LCD_COMPARE_RECORDS(m.resolutionRatios.resolutionRatio, s_ConnectorResolutionRatio{});
+        LCD_COMPARE_RECORDS(c.hdcp.interfaces.at(0).typeSet, s_ConnectorEnumSet{});
         QVERIFY(read(description({"CapacityMode/Interface"})).interfaces.empty());
 
         // The strict range readers: all six attributes, absent ones 0, "step" untouched.
@@ -149,9 +152,9 @@ private Q_SLOTS:
         s_RangeValue r;
         r.step = 0.5;
         QVERIFY(ConnectorConfigManager::getRGB(r, p.documentElement(), QLatin1String("Full"), error));
-        QCOMPARE(r, (s_RangeValue{1, 0, 5, 2, -3, 0, 0.5}));
+        LCD_COMPARE_RECORDS(r, (s_RangeValue{1, 0, 5, 2, -3, 0, 0.5}));
         QVERIFY(ConnectorConfigManager::getAttribute(r, p.documentElement(), QLatin1String("Full"), error));
-        QCOMPARE(r, (s_RangeValue{1, 0, 5, 2, -3, 0, 0.5}));
+        LCD_COMPARE_RECORDS(r, (s_RangeValue{1, 0, 5, 2, -3, 0, 0.5}));
         QVERIFY(!ConnectorConfigManager::getAttribute(r, p.documentElement(), QLatin1String("Gamma"), error));
         QCOMPARE(error, QString("Invalid [Gamma] node."));
     }
@@ -176,7 +179,7 @@ private Q_SLOTS:
         // The interface table: "Coefficient" is not read; an interface whose first child is no
         // "ResolutionRatios" has no capacity modes.
         const s_ConnectorInterface sdi{1, 0, 2, {{2, {{3840, 2160, 0, 0, 0, 1, 0.01f, {5, 6}}}}}};
-        QCOMPARE(manager.connectors(), (std::vector<s_Connector>{{13, {sdi, {0, 0, 1, {}}}}}));
+        LCD_COMPARE_RECORDS(manager.connectors(), (std::vector<s_Connector>{{13, {sdi, {0, 0, 1, {}}}}}));
 
         // A second resolution file replaces the catalogue and the table.
         test::writeFile(dir, "r2.xml", R"(<Vrn><ResolutionRatios><M Value="1"/></ResolutionRatios></Vrn>)");
@@ -242,9 +245,9 @@ private Q_SLOTS:
             QVERIFY(!c->findConnectorDefaultResolution(0, type, 2) &&
                     !c->findConnectorDefaultAdvResolution(0, type, 2));
             QVERIFY(c->findConnectorResolutions(2, type, 2).empty());
-            QCOMPARE(c->findConnectorRates(type, 0), s_ConnectorRefreshSet{});
-            QCOMPARE(c->findConnectorTiming(type, 0), s_PreSetTimingInterface{});
-            QCOMPARE(c->findConnectorHDCP(type), (s_ConnectorHDCP{-1, -1, {}}));
+            LCD_COMPARE_RECORDS(c->findConnectorRates(type, 0), s_ConnectorRefreshSet{});
+            LCD_COMPARE_RECORDS(c->findConnectorTiming(type, 0), s_PreSetTimingInterface{});
+            LCD_COMPARE_RECORDS(c->findConnectorHDCP(type), (s_ConnectorHDCP{-1, -1, {}}));
         }
     }
 
@@ -338,7 +341,7 @@ private Q_SLOTS:
                  QString("1920x1080@5000i[2]"));
 
         // SDI has no HDCP.
-        QCOMPARE(m.findConnectorHDCP(13), (s_ConnectorHDCP{0, 0, {}}));
+        LCD_COMPARE_RECORDS(m.findConnectorHDCP(13), (s_ConnectorHDCP{0, 0, {}}));
     }
 };
 

@@ -31,11 +31,11 @@ private Q_SLOTS:
                  QString());
         QCOMPARE(cards.size(), size_t(4));
         QCOMPARE(cards[1].deviceModes.size(), size_t(2));
-        QCOMPARE(cards[1].deviceModes[1].groups[1],
-                 (s_CrossConnectorGroups{102, {{2101, 3, 1, 1, 1}, {2101, 4, 1, 0, 2}}}));
-        QCOMPARE(cards[2].deviceInterfaceGroup, (s_SupportInfo{1, 0}));
+        LCD_COMPARE_RECORDS(cards[1].deviceModes[1].groups[1],
+                            (s_CrossConnectorGroups{102, {{2101, 3, 1, 1, 1}, {2101, 4, 1, 0, 2}}}));
+        LCD_COMPARE_RECORDS(cards[2].deviceInterfaceGroup, (s_SupportInfo{1, 0}));
         QCOMPARE(cards[2].offset, 200);
-        QCOMPARE(cards[3], (s_CrossSubcard{2102, {1, 1}, {0, 0}, 100, {}}));
+        LCD_COMPARE_RECORDS(cards[3], (s_CrossSubcard{2102, {1, 1}, {0, 0}, 100, {}}));
     }
 
     void missingSubcardsIsFatal() {
@@ -69,7 +69,8 @@ private Q_SLOTS:
         QFETCH(QString, subcard);
         s_CrossSubcard record;
         CrosscardConfigManager::instance()->subcardInfo(root(subcard).firstChildElement(), record);
-        QTEST(record, "expected");
+        QFETCH(s_CrossSubcard, expected);
+        LCD_COMPARE_RECORDS(record, expected);
     }
 };
 

@@ -201,7 +201,8 @@ private Q_SLOTS:
         Registry registry;
         QVERIFY(registry.readConfig(m_dir.path(), error) && registry.readConfig(m_dir.path(), error));
         const QList<s_Device>& devices = registry.DeviceConfigs();
-        QVERIFY(devices.size() == 4 && devices.mid(0, 2) == devices.mid(2));
+        QCOMPARE(devices.size(), 4);
+        LCD_COMPARE_RECORDS(devices.mid(0, 2), devices.mid(2));
         // Queries point into the first copy: the first of two type-1 screens in reading order.
         const s_Device& current = devices.at(devices.at(0).modelId == 29974 ? 0 : 1);
         const auto first = std::find_if(current.screens.begin(), current.screens.end(),
@@ -300,19 +301,21 @@ private Q_SLOTS:
         Feature::s_DeviceFeature feature;
         Slot::s_VrnSolt slot;
         CrossCard::s_CrossSubcards cards;
-        QVERIFY(registry.parseDeviceFeaturecfg(file.arg("feature"), error, feature) && d.feature == feature);
-        QVERIFY(registry.parseDeviceSlotcfg(file.arg("slot"), error, slot) && d.slot == slot);
-        QVERIFY(registry.parseDeviceCrossCardcfg(file.arg("crosscard"), error, cards) &&
-                d.crossSubcards == cards);
+        QVERIFY(registry.parseDeviceFeaturecfg(file.arg("feature"), error, feature));
+        LCD_COMPARE_RECORDS(d.feature, feature);
+        QVERIFY(registry.parseDeviceSlotcfg(file.arg("slot"), error, slot));
+        LCD_COMPARE_RECORDS(d.slot, slot);
+        QVERIFY(registry.parseDeviceCrossCardcfg(file.arg("crosscard"), error, cards));
+        LCD_COMPARE_RECORDS(d.crossSubcards, cards);
         for (const auto& [name, type] : {std::pair{"screen_splice", 1}, {"screen_mosaic", 2}}) {
             Screen::s_VrnScreen screen;
-            QVERIFY(registry.parseDeviceScreencfg(file.arg(name), error, screen) &&
-                    *device->screenConfigs(type) == screen);
+            QVERIFY(registry.parseDeviceScreencfg(file.arg(name), error, screen));
+            LCD_COMPARE_RECORDS(*device->screenConfigs(type), screen);
         }
         for (const auto& [name, type] : {std::pair{"layer_normal", 1}, {"layer_pip", 2}}) {
             Layercfg::s_VrnLayer layer;
-            QVERIFY(registry.parseDeviceLayercfg(file.arg(name), error, layer) &&
-                    *registry.layerConfigs(type) == layer);
+            QVERIFY(registry.parseDeviceLayercfg(file.arg(name), error, layer));
+            LCD_COMPARE_RECORDS(*registry.layerConfigs(type), layer);
         }
         // The device answers lcdcfg shows (check blank, groups, placed cards) are in its golden.
         QCOMPARE(device->screenConfigs(2)->limitNum, 8);

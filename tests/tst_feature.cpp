@@ -221,7 +221,7 @@ void TestFeature::edits() {
     const Parsed parsed = parse(doc);
     QCOMPARE(parsed.ok, ok);
     QCOMPARE(parsed.error, invalidNode(error));
-    QVERIFY(parsed.f == expected);
+    LCD_COMPARE_RECORDS(parsed.f, expected);
 }
 
 void TestFeature::sample() {
@@ -230,11 +230,11 @@ void TestFeature::sample() {
                  return DeviceFeatureConfigManager::instance()->parseDeviceFeaturecfg(kSample, error, f);
              }),
              QString());
-    QVERIFY(f == parse(sampleDocument()).f); // both overloads agree
+    LCD_COMPARE_RECORDS(f, parse(sampleDocument()).f); // both overloads agree
     // Values the tool's device listing does not show (tst_lcdcfg_show pins the others).
-    QCOMPARE(f.features.screenId, (s_RangeValue{1, 0, 0, 0, 1, 16, 1.0}));
+    LCD_COMPARE_RECORDS(f.features.screenId, (s_RangeValue{1, 0, 0, 0, 1, 16, 1.0}));
     QCOMPARE(f.features.genlock.phaseOffset.max, 1125);
-    QCOMPARE(f.features.layerModesList.back(), (Feature::s_LayerModesSupportInfo{0, 2}));
+    LCD_COMPARE_RECORDS(f.features.layerModesList.back(), (Feature::s_LayerModesSupportInfo{0, 2}));
     QCOMPARE(f.features.antiStaticValue, 3);
     QCOMPARE(f.network.ip.text, std::string("192.168.0.10")); // the second NetWork is ignored
     QCOMPARE(f.fileItems.at(1).dataType, 1);

@@ -37,10 +37,10 @@ private Q_SLOTS:
                              test::sharedConfig("device/29974/29974_layer_%1.xml").arg(name), error, *layer);
                      }),
                      QString());
-        QCOMPARE(normal.cutFill.curveStartX, (s_WideRangeValue{1, 1, 0, 0, -7680, 7680}));
-        QCOMPARE(normal.shadow.feather, (s_RangeValue{1, 1, 8, 0, 0, 32, 1.0}));
-        QCOMPARE(pip.cutFill.curve, s_SupportInfo{});
-        QCOMPARE(pip.cutFill.relativeHeight, (s_WideRangeValue{1, 1, 540, 0, 64, 2160}));
+        LCD_COMPARE_RECORDS(normal.cutFill.curveStartX, (s_WideRangeValue{1, 1, 0, 0, -7680, 7680}));
+        LCD_COMPARE_RECORDS(normal.shadow.feather, (s_RangeValue{1, 1, 8, 0, 0, 32, 1.0}));
+        LCD_COMPARE_RECORDS(pip.cutFill.curve, s_SupportInfo{});
+        LCD_COMPARE_RECORDS(pip.cutFill.relativeHeight, (s_WideRangeValue{1, 1, 540, 0, 64, 2160}));
     }
 
     void missingLayerIsFatal() {
@@ -90,7 +90,8 @@ private Q_SLOTS:
         s_VrnLayer record;
         QString error;
         QVERIFY(parse("<Device><Layers>" + layer + "</Layers></Device>", error, record));
-        QTEST(record, "expected");
+        QFETCH(s_VrnLayer, expected);
+        LCD_COMPARE_RECORDS(record, expected);
     }
 };
 

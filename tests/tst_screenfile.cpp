@@ -74,16 +74,17 @@ private Q_SLOTS:
                 }
         if (screen.type != 1) return;
         const Screen::s_DeviceMode& standard = screen.deviceModes.at(0);
-        QCOMPARE(standard.pvw, (Screen::s_Pvw{1, 0}));
+        LCD_COMPARE_RECORDS(standard.pvw, (Screen::s_Pvw{1, 0}));
         QCOMPARE(standard.templetes.at(0).name.zhCN, std::string("2x2 拼接"));
-        QCOMPARE(standard.templetes[0].layouts.at(1).cells.at(3),
-                 (Screen::s_Cell{1920, 1080, 1920, 1080, 2, 2, 6, 4}));
+        LCD_COMPARE_RECORDS(standard.templetes[0].layouts.at(1).cells.at(3),
+                            (Screen::s_Cell{1920, 1080, 1920, 1080, 2, 2, 6, 4}));
         QCOMPARE(standard.layerTypes.at(0).unit.values, (std::vector<EnumValue>{{1}, {2}, {4}}));
-        QCOMPARE(screen.deviceModes.at(1).templetes.at(1).layouts.at(0).cells.at(1),
-                 (Screen::s_Cell{3840, 0, 3840, 2160, 1, 2, 5, 3}));
+        LCD_COMPARE_RECORDS(screen.deviceModes.at(1).templetes.at(1).layouts.at(0).cells.at(1),
+                            (Screen::s_Cell{3840, 0, 3840, 2160, 1, 2, 5, 3}));
         const Screen::s_Features& f = screen.features;
         // "Max" of a polarity is not read.
-        QCOMPARE(f.mosaic.refOutputPara.timing.vertical.polarity, (s_RangeValue{1, 1, 1, 0, 0, 255, 1.0}));
+        LCD_COMPARE_RECORDS(f.mosaic.refOutputPara.timing.vertical.polarity,
+                            (s_RangeValue{1, 1, 1, 0, 0, 255, 1.0}));
         QCOMPARE(f.testPattern.gridPixel.step, 2.5); // "Coefficient" fills the step
         QCOMPARE(f.testPattern.gridLineWidth.step, 1.0);
     }
@@ -112,7 +113,7 @@ private Q_SLOTS:
         QVERIFY(!ScreenConfigManager::instance()->parseDeviceScreencfg(
             test::writeFile(dir, "29974_screen.xml", xml), error, screen));
         QCOMPARE(error, expected);
-        QCOMPARE(screen, s_VrnScreen{});
+        LCD_COMPARE_RECORDS(screen, s_VrnScreen{});
     }
 
     void nonFatal_data() {

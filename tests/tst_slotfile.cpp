@@ -33,9 +33,10 @@ private Q_SLOTS:
                  }),
                  QString());
         // The slot table is in tst_lcdcfg_show's golden; not the group names and cross-card editing.
-        QCOMPARE(slot.crossCard, (s_SupportInfo{1, 1}));
+        LCD_COMPARE_RECORDS(slot.crossCard, (s_SupportInfo{1, 1}));
         const Slot::s_InlineSubcard mixed{2201, {{1, "HDMI 1-2"}, {2, "DVI 3-4"}}};
-        QCOMPARE(slot.slots.mixCardSlots, (s_SlotAttr{"MIXED", 1, 3, {{9, {mixed}}, {10, {}}}, {{2201}}}));
+        LCD_COMPARE_RECORDS(slot.slots.mixCardSlots,
+                            (s_SlotAttr{"MIXED", 1, 3, {{9, {mixed}}, {10, {}}}, {{2201}}}));
     }
 
     void missingMainControlGroupIsFatal() {
@@ -45,8 +46,8 @@ private Q_SLOTS:
                        "</Slots></Device>",
                        error, slot));
         QCOMPARE(error, QString("Invalid [MainControlCardSlots] node."));
-        QCOMPARE(slot.crossCard, (s_SupportInfo{0, 1})); // read before the groups
-        QCOMPARE(slot.slots, Slot::s_Slots{});
+        LCD_COMPARE_RECORDS(slot.crossCard, (s_SupportInfo{0, 1})); // read before the groups
+        LCD_COMPARE_RECORDS(slot.slots, Slot::s_Slots{});
     }
 
     void groups_data() {
@@ -83,10 +84,13 @@ private Q_SLOTS:
         QString error;
         QVERIFY(parse("<Device><CrossCard/><Slots><MainControlCardSlots/>" + groups + "</Slots></Device>",
                       error, slot));
-        QCOMPARE(slot.slots.mainControlCardSlots, s_SlotAttr{}); // no "Subcards": dropped
-        QTEST(slot.slots.inputCardSlots, "input");
-        QTEST(slot.slots.outputCardSlots, "output");
-        QTEST(slot.slots.mixCardSlots, "mixed");
+        LCD_COMPARE_RECORDS(slot.slots.mainControlCardSlots, s_SlotAttr{}); // no "Subcards": dropped
+        QFETCH(s_SlotAttr, input);
+        QFETCH(s_SlotAttr, output);
+        QFETCH(s_SlotAttr, mixed);
+        LCD_COMPARE_RECORDS(slot.slots.inputCardSlots, input);
+        LCD_COMPARE_RECORDS(slot.slots.outputCardSlots, output);
+        LCD_COMPARE_RECORDS(slot.slots.mixCardSlots, mixed);
     }
 };
 

@@ -158,7 +158,7 @@ private Q_SLOTS:
         card.connectorCopy = {1, 0, 1, {1, 1}, {{"2x4K", 1, 1, {{2, {{1, {{1}, {2}}}}}}}}};
         card.associations = {{3, 2}};
         QCOMPARE(m.subcardConfig().size(), size_t(1));
-        QVERIFY(m.subcardConfig().front() == card);
+        LCD_COMPARE_RECORDS(m.subcardConfig().front(), card);
     }
 
     // tests/data/subcard/queries: two cards of model 7 around a card of model 9.
@@ -198,7 +198,8 @@ private Q_SLOTS:
         QVERIFY(m.isAssociationSubcard(7, 8) && !m.isAssociationSubcard(7, 9));
         // Device mode capacity: the first hit, a default record on a miss.
         QCOMPARE(m.findConnectorDeviceModeCapacity(7, 0, 1).name, std::string("a0"));
-        QCOMPARE(m.findConnectorDeviceModeCapacity(7, 1, 1), s_CapacityInConnectorsDeviceModeCapacitys{});
+        LCD_COMPARE_RECORDS(m.findConnectorDeviceModeCapacity(7, 1, 1),
+                            s_CapacityInConnectorsDeviceModeCapacitys{});
         // Dynamic range skips a capacity without the position; 0 on a miss.
         QCOMPARE(m.findConnectorDeviceModeCapacityDynamicRangeSupport(7, 0, 1, 3), 4);
         QCOMPARE(m.findConnectorDeviceModeCapacityDynamicRangeSupport(7, 0, 1, 4), 0);

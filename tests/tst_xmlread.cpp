@@ -104,11 +104,11 @@ private Q_SLOTS:
         QFETCH(QString, text);
         bool expectedOk = false, ok = !expectedOk;
         const qint32 expected = text.toInt(&expectedOk);
-        QCOMPARE(decimal(text, &ok), expected);
+        QCOMPARE(xml::detail::decimal(text, &ok), expected);
         QCOMPARE(ok, expectedOk);
         const QByteArray latin = text.toLatin1();
         if (QString::fromLatin1(latin) == text) { // the defaults' form
-            QCOMPARE(decimal(latin.constData(), &ok), expected);
+            QCOMPARE(xml::detail::decimal(latin.constData(), &ok), expected);
             QCOMPARE(ok, expectedOk);
         }
     }
@@ -132,7 +132,7 @@ private Q_SLOTS:
         QVERIFY(transact(stored, error, kLoader, [&](Section& s, s_SupportInfo& local) {
             local = readAs<s_SupportInfo>(s.need(root, "Genlock"), {{"Support", "1"}, {"Editable", "0"}});
         }));
-        QCOMPARE(stored, (s_SupportInfo{1, 0}));
+        LCD_COMPARE_RECORDS(stored, (s_SupportInfo{1, 0}));
         QCOMPARE(error, QStringLiteral("Invalid [Phase] node.")); // success leaves the message
     }
 

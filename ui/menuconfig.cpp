@@ -39,10 +39,6 @@ struct TreeDeleter {
 // A node (with what is below it) that no parent holds yet.
 using OwnedNode = std::unique_ptr<s_MenuItem, TreeDeleter>;
 
-Loader menuLoader(const LogSite& site) {
-    return Loader{kMenuFile, nullptr, site};
-}
-
 } // namespace
 
 MenuConfigManager::MenuConfigManager() : m_pRootMenuItem(new s_MenuItem) {}
@@ -54,20 +50,20 @@ MenuConfigManager::~MenuConfigManager() {
 
 bool MenuConfigManager::readMenuItems(const QString& path, QString& error) {
     QDomDocument doc;
-    if (!loadDocument(path, menuLoader(LCD_LOG_SITE), doc, error)) return false;
+    if (!loadDocument(path, Loader{kMenuFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
     const QDomElement menuBar = child(doc.documentElement(), "MenuBar");
     if (menuBar.isNull()) return true;
-    parseElement(firstChild(menuBar), m_pRootMenuItem);
+    parseElement(child(menuBar), m_pRootMenuItem);
     qDebug().noquote() << "parseElement finished";
     return true;
 }
 
 bool MenuConfigManager::readMenuFCItems(const QString& path, QString& error) {
     QDomDocument doc;
-    if (!loadDocument(path, menuLoader(LCD_LOG_SITE), doc, error)) return false;
+    if (!loadDocument(path, Loader{kMenuFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
-    forEachRepeated(child(doc.documentElement(), "MenuItems"), "MenuItem", [this](const QDomElement& e) {
+    forEachChild(child(doc.documentElement(), "MenuItems"), "MenuItem", [this](const QDomElement& e) {
         auto item = std::make_unique<s_MenuFCItem>();
         item->icon = attr(e, "Icon");
         item->key = intAttr(e, "Key");
@@ -108,7 +104,7 @@ void MenuConfigManager::parseElement(const QDomElement& element, s_MenuItem* ite
     enter(element, item, nullptr);
     while (!levels.empty()) {
         Level& level = levels.back();
-        level.child = level.started ? next(level.child) : firstChild(level.element);
+        level.child = level.started ? next(level.child) : child(level.element);
         level.started = true;
         if (!level.child.isNull()) {
             OwnedNode node(new s_MenuItem);

@@ -31,7 +31,7 @@ bool PrintKeyNoConfig::readConfig(const QString& path, QString& error) {
 
 bool PrintKeyNoConfig::readConfigDevice(const QDomElement& element, QString& error,
                                         DevicePrintKeyNoInfo& device) {
-    forEachRepeated(element, "Subcard", [&](const QDomElement& card) {
+    forEachChild(element, "Subcard", [&](const QDomElement& card) {
         SubcardPrintKeyNoInfo subcard;
         readConfigSubcard(card, error, subcard);
         device.subcards.push_back(std::move(subcard));

@@ -1,3 +1,7 @@
+// The constant texts and lookup tables of lcdconfigmodel/constants.h: icons of
+// the test patterns, connector type names, the order of colour spaces and the
+// names of the view models the host asks for.
+
 #include "lcdconfigmodel/constants.h"
 
 namespace LCD {
