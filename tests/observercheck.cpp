@@ -23,10 +23,10 @@ public:
     void recordStarted(const RecordRead& r) override {
         if (r.element.isNull() && r.kind != RecordKind::Model && r.kind != RecordKind::HdrTable)
             qFatal("observer: record %d without its element", int(r.kind));
-        m_records << r.kind;
+        records() << r.kind;
     }
     void recordEnded(RecordKind kind) override {
-        if (m_records.isEmpty() || m_records.takeLast() != kind)
+        if (records().isEmpty() || records().takeLast() != kind)
             qFatal("observer: record %d ended out of order", int(kind));
     }
     void diagnostic(const LoadDiagnostic& d) override {
@@ -47,7 +47,11 @@ public:
     }
 
 private:
-    QVector<RecordKind> m_records;
+    // Records nest per thread: the singleton test parses on several at once.
+    static QVector<RecordKind>& records() {
+        static thread_local QVector<RecordKind> started;
+        return started;
+    }
 };
 
 struct Attach {

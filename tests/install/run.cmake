@@ -33,7 +33,7 @@ if(STEP STREQUAL "install")
     if(at EQUAL -1)
         message(FATAL_ERROR "installed lcdcfg does not load the installed plug-in:\n${out}")
     endif()
-    run(${emulator} ${prefix}/bin/lcdcfg check --config ${prefix}/${CONFIGDIR})
+    run(${emulator} ${prefix}/bin/lcdcfg check --root ${prefix}/${CONFIGDIR})
     return()
 endif()
 

@@ -1,6 +1,7 @@
 #include "tools/lcdcfg/session.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QVariant>
 
 namespace lcdcfg {
 
