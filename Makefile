@@ -4,8 +4,9 @@
 # and a Debug tree with ASan + UBSan (build-asan/), then the thread test under
 # TSan (build-tsan/); warnings are errors in all three.
 PACKAGES := cmake g++ make qtbase5-dev pkg-config
-# Only the tests need these: the report is rendered in a real browser.
-TEST_PACKAGES := chromium-headless-shell
+# Only the tests need these: the report is rendered in a real browser, the
+# language server is driven by a real editor, the schemas are checked by xmllint.
+TEST_PACKAGES := chromium-headless-shell neovim libxml2-utils
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 CONFIG   := share/config

@@ -71,6 +71,10 @@ bool gatherFormats(const kvchost::PluginHost& host, const QStringList& roots, bo
 // What an editor shows for an element or an attribute of it: how it is read,
 // its default, and whether it is required.
 QString describeElement(const FormatNode& node);
+// The kind of a file by its path relative to the root of its tree, as the
+// file patterns that associate the files with their schemas say; empty when
+// none does (schema.cpp).
+QString fileKind(const QString& relative);
 QString describeAttribute(const FormatNode& node, const QString& name);
 
 } // namespace lcdcfg

@@ -12,6 +12,7 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QXmlStreamWriter>
 
 #include "tools/lcdcfg/cli.h"
@@ -184,17 +185,18 @@ const FilePattern kFilePatterns[] = {
     {"print-keys", Part::PrintKeys, 0, nullptr},
 };
 
+QString patternOf(const FilePattern& p) {
+    const QString input = Tree::inputsOf(p.part, QStringLiteral("/")).value(p.input).mid(1);
+    return QStringLiteral("**/") + input + (p.name ? QLatin1Char('/') + QLatin1String(p.name) : QString());
+}
+
 // [{"pattern": "**/device/*/*slot*.xml", "systemId": "device-slot.xsd"}, ...]
 QByteArray associations() {
     QJsonArray list;
-    for (const FilePattern& p : kFilePatterns) {
-        const QString input = Tree::inputsOf(p.part, QStringLiteral("/")).value(p.input).mid(1);
-        const QString pattern =
-            QStringLiteral("**/") + input + (p.name ? QLatin1Char('/') + QLatin1String(p.name) : QString());
+    for (const FilePattern& p : kFilePatterns)
         list.append(
-            QJsonObject{{QStringLiteral("pattern"), pattern},
+            QJsonObject{{QStringLiteral("pattern"), patternOf(p)},
                         {QStringLiteral("systemId"), QLatin1String(p.kind) + QStringLiteral(".xsd")}});
-    }
     return QJsonDocument(list).toJson();
 }
 
@@ -223,6 +225,23 @@ QByteArray catalog(const Formats& formats) {
 }
 
 } // namespace
+
+QString fileKind(const QString& relative) {
+    static const auto patterns = [] {
+        QVector<QPair<QRegularExpression, QString>> list;
+        for (const FilePattern& p : kFilePatterns) {
+            QString rx = QRegularExpression::escape(patternOf(p));
+            rx.replace(QLatin1String("\\*\\*\\/"), QLatin1String("(.*/)?"))
+                .replace(QLatin1String("\\*"), QLatin1String("[^/]*"));
+            list.append(
+                {QRegularExpression(QLatin1Char('^') + rx + QLatin1Char('$')), QLatin1String(p.kind)});
+        }
+        return list;
+    }();
+    for (const auto& p : patterns)
+        if (p.first.match(QLatin1Char('/') + relative).hasMatch()) return p.second;
+    return QString();
+}
 
 int writeFiles(const QString& directory, const QMap<QString, QByteArray>& files) {
     const QDir dir(directory);
