@@ -78,9 +78,15 @@ QString parentPath(const QString& text, int offset) {
     return stack.join(QLatin1Char('/'));
 }
 
+// Plain text as Markdown: what Markdown would take for markup escaped, and
+// every line break kept.
 QString markdownLines(const QString& text) {
-    QString copy = text;
-    return copy.replace(QLatin1Char('\n'), QStringLiteral("  \n"));
+    QString escaped;
+    for (const QChar c : text) {
+        if (QStringLiteral("\\`*_<>[]").contains(c)) escaped += QLatin1Char('\\');
+        escaped += c;
+    }
+    return escaped.replace(QLatin1Char('\n'), QStringLiteral("  \n"));
 }
 
 const FormatNode* nodeOf(const TreeChecks& checks, const QString& file, const QString& path) {
@@ -88,6 +94,12 @@ const FormatNode* nodeOf(const TreeChecks& checks, const QString& file, const QS
     if (kind == checks.formats().constEnd()) return nullptr;
     const auto node = kind->nodes.constFind(path);
     return node == kind->nodes.constEnd() ? nullptr : &*node;
+}
+
+// "FILE:LINE" of a site.
+QString placeOf(const IdSite& site) {
+    const int line = site.range[QStringLiteral("start")].toObject()[QStringLiteral("line")].toInt();
+    return QStringLiteral("%1:%2").arg(site.file).arg(line + 1);
 }
 
 QJsonObject location(const Workspace& workspace, const IdSite& site) {
@@ -218,11 +230,7 @@ QVector<QPair<QString, QString>> IdIndex::candidates(const QString& kind, const 
     const QString prefix = keyPrefix(*l, file);
     for (const File& f : m_files)
         for (const IdSite& s : f.sites)
-            if (s.defines && s.key.startsWith(prefix))
-                list.append(
-                    {s.key.mid(prefix.size()),
-                     QStringLiteral("%1:%2").arg(s.file).arg(
-                         s.range[QStringLiteral("start")].toObject()[QStringLiteral("line")].toInt() + 1)});
+            if (s.defines && s.key.startsWith(prefix)) list.append({s.key.mid(prefix.size()), placeOf(s)});
     std::sort(list.begin(), list.end());
     return list;
 }
@@ -248,18 +256,13 @@ QJsonValue hover(const TreeChecks& checks, const IdIndex& index, const QString& 
         const QString described = node ? describeAttribute(*node, attribute->name) : QString();
         parts << (described.isEmpty()
                       ? QStringLiteral("`%1` of `<%2>`: no reader reads it.").arg(attribute->name, e->tag)
-                      : described);
+                      : markdownLines(described));
         const QString loaded = checks.loaded(file, e->index, attribute->name);
-        if (!loaded.isEmpty()) parts << QStringLiteral("Loaded: ") + loaded;
+        if (!loaded.isEmpty()) parts << markdownLines(QStringLiteral("Loaded: ") + loaded);
         if (const IdSite* site = index.at(file, attribute->valueStart)) {
             const IdSite* def = index.definition(site->key);
             if (def && def != site)
-                parts << QStringLiteral("Defined in %1:%2")
-                             .arg(def->file)
-                             .arg(def->range[QStringLiteral("start")]
-                                      .toObject()[QStringLiteral("line")]
-                                      .toInt() +
-                                  1);
+                parts << markdownLines(QStringLiteral("Defined in ") + placeOf(*def));
             else if (!def)
                 parts << QStringLiteral("No file of the tree defines %1 %2.")
                              .arg(site->key.section(QLatin1Char(':'), 0, 0), attribute->value);
