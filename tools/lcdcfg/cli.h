@@ -4,7 +4,6 @@
 // the loaded plug-in, the output streams and the default configuration root.
 
 #include <QtCore/QCommandLineParser>
-#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QTextStream>
@@ -68,9 +67,5 @@ int runExplain(const QStringList& args);
 int runReference(const QStringList& args);
 int runSchema(const QStringList& args);
 int runLsp(const QStringList& args);
-
-// Writes each (file name, content) into `directory` (made when missing) and
-// prints the paths written; kUsage with the reason printed when one fails.
-int writeFiles(const QString& directory, const QMap<QString, QByteArray>& files);
 
 } // namespace lcdcfg

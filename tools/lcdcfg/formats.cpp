@@ -12,6 +12,7 @@
 #include <climits>
 #include <memory>
 
+#include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/tree.h"
 
 namespace lcdcfg {
@@ -239,6 +240,44 @@ bool gatherFormats(const kvchost::PluginHost& host, const QStringList& roots, bo
             n.whenMissing = probe(host, *trees[size_t(n.root)], *traces[size_t(n.root)], *scratch, n);
         }
     return true;
+}
+
+int runFormatWriter(const QStringList& args, const QString& verb, const QString& description,
+                    const QString& defaultOutput,
+                    const std::function<QMap<QString, QByteArray>(const Formats&)>& files) {
+    CommandLine cl(verb, description, QStringLiteral("[ROOT...]"));
+    const QCommandLineOption output(
+        QStringLiteral("output"), QStringLiteral("Directory to write into (default %1).").arg(defaultOutput),
+        QStringLiteral("dir"), defaultOutput);
+    cl.addOption(output);
+    int code = kClean;
+    if (!cl.parse(args, &code)) return code;
+    QStringList roots = cl.positional();
+    if (roots.isEmpty()) roots << defaultRoot();
+    kvchost::PluginHost* host = cl.host();
+    if (!host) return kUsage;
+
+    Formats formats;
+    QString error;
+    if (!gatherFormats(*host, roots, true, &formats, &error)) {
+        err() << "lcdcfg: " << error << "\n";
+        return kUsage;
+    }
+    const QDir dir(cl.value(output));
+    if (!QDir().mkpath(dir.path())) {
+        err() << "lcdcfg: cannot create " << dir.path() << "\n";
+        return kUsage;
+    }
+    const QMap<QString, QByteArray> made = files(formats);
+    for (auto it = made.constBegin(); it != made.constEnd(); ++it) {
+        QFile file(dir.filePath(it.key()));
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(*it) != it->size()) {
+            err() << "lcdcfg: cannot write " << file.fileName() << "\n";
+            return kUsage;
+        }
+        out() << file.fileName() << "\n";
+    }
+    return kClean;
 }
 
 QString describeElement(const FormatNode& n) {

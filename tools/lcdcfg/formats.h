@@ -13,6 +13,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QVector>
 
+#include <functional>
+
 #include "host/kvchost.h"
 #include "tools/lcdcfg/trace.h"
 
@@ -67,6 +69,13 @@ void addFormats(Formats& formats, const Tree& tree, const Trace& trace, int root
 // tree cannot be loaded at all.
 bool gatherFormats(const kvchost::PluginHost& host, const QStringList& roots, bool probe, Formats* formats,
                    QString* error);
+
+// A verb that writes files made from the formats of the trees on its
+// command line (`reference`, `schema`): `lcdcfg VERB [--output DIR] [ROOT...]`,
+// the shipped tree by default; `files` names and makes them. The exit status.
+int runFormatWriter(const QStringList& args, const QString& verb, const QString& description,
+                    const QString& defaultOutput,
+                    const std::function<QMap<QString, QByteArray>(const Formats&)>& files);
 
 // What an editor shows for an element or an attribute of it: how it is read,
 // its default, and whether it is required.

@@ -61,32 +61,17 @@ QString render(const QString& name, const Format& kind) {
 } // namespace
 
 int runReference(const QStringList& args) {
-    CommandLine cl(QStringLiteral("reference"),
-                   QStringLiteral("Writes the format reference of every file kind (one Markdown file each)\n"
-                                  "from what the readers do while loading the given trees (default: the\n"
-                                  "shipped tree)."),
-                   QStringLiteral("[ROOT...]"));
-    const QCommandLineOption output(QStringLiteral("output"),
-                                    QStringLiteral("Directory to write into (default docs/reference)."),
-                                    QStringLiteral("dir"), QStringLiteral("docs/reference"));
-    cl.addOption(output);
-    int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    QStringList roots = cl.positional();
-    if (roots.isEmpty()) roots << defaultRoot();
-    kvchost::PluginHost* host = cl.host();
-    if (!host) return kUsage;
-
-    Formats kinds;
-    QString error;
-    if (!gatherFormats(*host, roots, true, &kinds, &error)) {
-        err() << "lcdcfg: " << error << "\n";
-        return kUsage;
-    }
-    QMap<QString, QByteArray> files;
-    for (auto it = kinds.constBegin(); it != kinds.constEnd(); ++it)
-        files.insert(it.key() + QStringLiteral(".md"), render(it.key(), *it).toUtf8());
-    return writeFiles(cl.value(output), files);
+    return runFormatWriter(
+        args, QStringLiteral("reference"),
+        QStringLiteral("Writes the format reference of every file kind (one Markdown file each)\n"
+                       "from what the readers do while loading the given trees (default: the\n"
+                       "shipped tree)."),
+        QStringLiteral("docs/reference"), [](const Formats& kinds) {
+            QMap<QString, QByteArray> files;
+            for (auto it = kinds.constBegin(); it != kinds.constEnd(); ++it)
+                files.insert(it.key() + QStringLiteral(".md"), render(it.key(), *it).toUtf8());
+            return files;
+        });
 }
 
 } // namespace lcdcfg

@@ -7,8 +7,6 @@
 // Beside the schemas: an XML catalog, and the file patterns that associate
 // the files of a tree with their schemas.
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -243,54 +241,21 @@ QString fileKind(const QString& relative) {
     return QString();
 }
 
-int writeFiles(const QString& directory, const QMap<QString, QByteArray>& files) {
-    const QDir dir(directory);
-    if (!QDir().mkpath(dir.path())) {
-        err() << "lcdcfg: cannot create " << dir.path() << "\n";
-        return kUsage;
-    }
-    for (auto it = files.constBegin(); it != files.constEnd(); ++it) {
-        QFile file(dir.filePath(it.key()));
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(*it) != it->size()) {
-            err() << "lcdcfg: cannot write " << file.fileName() << "\n";
-            return kUsage;
-        }
-        out() << file.fileName() << "\n";
-    }
-    return kClean;
-}
-
 int runSchema(const QStringList& args) {
-    CommandLine cl(
-        QStringLiteral("schema"),
+    return runFormatWriter(
+        args, QStringLiteral("schema"),
         QStringLiteral("Writes an XML Schema of every file kind (KIND.xsd), an XML catalog of them\n"
                        "(catalog.xml) and the file patterns that associate a tree's files with\n"
                        "them (associations.json), from what the readers do while loading the\n"
                        "given trees (default: the shipped tree)."),
-        QStringLiteral("[ROOT...]"));
-    const QCommandLineOption output(QStringLiteral("output"),
-                                    QStringLiteral("Directory to write into (default share/schema)."),
-                                    QStringLiteral("dir"), QStringLiteral("share/schema"));
-    cl.addOption(output);
-    int code = kClean;
-    if (!cl.parse(args, &code)) return code;
-    QStringList roots = cl.positional();
-    if (roots.isEmpty()) roots << defaultRoot();
-    kvchost::PluginHost* host = cl.host();
-    if (!host) return kUsage;
-
-    Formats formats;
-    QString error;
-    if (!gatherFormats(*host, roots, true, &formats, &error)) {
-        err() << "lcdcfg: " << error << "\n";
-        return kUsage;
-    }
-    QMap<QString, QByteArray> files;
-    for (auto it = formats.constBegin(); it != formats.constEnd(); ++it)
-        Writer(*it, &files[it.key() + QStringLiteral(".xsd")]).schema(it.key());
-    files.insert(QStringLiteral("catalog.xml"), catalog(formats));
-    files.insert(QStringLiteral("associations.json"), associations());
-    return writeFiles(cl.value(output), files);
+        QStringLiteral("share/schema"), [](const Formats& formats) {
+            QMap<QString, QByteArray> files;
+            for (auto it = formats.constBegin(); it != formats.constEnd(); ++it)
+                Writer(*it, &files[it.key() + QStringLiteral(".xsd")]).schema(it.key());
+            files.insert(QStringLiteral("catalog.xml"), catalog(formats));
+            files.insert(QStringLiteral("associations.json"), associations());
+            return files;
+        });
 }
 
 } // namespace lcdcfg
