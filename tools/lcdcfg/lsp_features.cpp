@@ -142,7 +142,8 @@ ScannedText::ScannedText(const QString& text) {
 int ScannedText::offset(int line, int character) const {
     if (line < 0) return 0;
     if (line >= lines.size()) return lines.last();
-    return lines[line] + std::max(0, character);
+    const int offset = lines[line] + std::max(0, character);
+    return line + 1 < lines.size() ? std::min(offset, lines[line + 1] - 1) : offset; // not past the line
 }
 
 QJsonObject ScannedText::position(int offset) const {
