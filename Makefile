@@ -4,9 +4,11 @@
 # and a Debug tree with ASan + UBSan (build-asan/), then the thread test under
 # TSan (build-tsan/); warnings are errors in all three.
 PACKAGES := cmake g++ make qtbase5-dev pkg-config
-# Only the tests need these: the report is rendered in a real browser; the
-# public ABI is checked with libabigail on patched copies of the headers.
-TEST_PACKAGES := chromium-headless-shell abigail-tools patch
+# Only the tests need these: the report is rendered in a real browser, the
+# language server is driven by a real editor, the schemas are checked by
+# xmllint, and the public ABI is checked with libabigail on patched copies of
+# the headers.
+TEST_PACKAGES := chromium-headless-shell neovim libxml2-utils abigail-tools patch
 JOBS     ?= $(shell nproc)
 SUDO     := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 CONFIG   := share/config

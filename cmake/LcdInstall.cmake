@@ -27,6 +27,8 @@ install(FILES include/lcdconfigmodel.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} C
 install(DIRECTORY include/lcdconfigmodel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT devel
         FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY share/config/ DESTINATION ${LCD_INSTALL_CONFIGDIR} COMPONENT runtime)
+# The schemas of the description files and their XML catalog (docs/editors.md).
+install(DIRECTORY share/schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/schema COMPONENT runtime)
 
 install(EXPORT LcdConfigModelTargets NAMESPACE LcdConfigModel:: DESTINATION ${LCD_INSTALL_CMAKEDIR}
         COMPONENT devel)

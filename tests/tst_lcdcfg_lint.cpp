@@ -1,6 +1,7 @@
-// lcdcfg lint, explain and reference, run as an author runs them: one planted
-// fault per lint rule, explain answers against golden files, and the format
-// reference regenerated and compared with docs/reference/.
+// lcdcfg lint, explain, reference and schema, run as an author runs them: one
+// planted fault per lint rule (which its file's schema fails at the same line),
+// explain answers against golden files, and the format reference and the
+// schemas regenerated and compared with docs/reference/ and share/schema/.
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -21,6 +22,34 @@ int lineOf(const QByteArray& text, const QByteArray& marker) {
     return at < 0 ? -1 : text.left(at).count('\n') + 1;
 }
 
+const QString kSchemas = QStringLiteral(LCD_SOURCE_DIR "/share/schema");
+
+// The schema share/schema/associations.json gives `file` (relative to the
+// root) by the first pattern that matches it, as its catalog name; empty when none.
+QString schemaOf(const QString& file) {
+    QFile json(kSchemas + "/associations.json");
+    if (!json.open(QIODevice::ReadOnly)) qFatal("no associations.json");
+    for (const QJsonValue& a : QJsonDocument::fromJson(json.readAll()).array()) {
+        QString pattern = QRegularExpression::escape(a["pattern"].toString());
+        pattern.replace("\\*\\*\\/", "(.*/)?").replace("\\*", "[^/]*");
+        if (QRegularExpression("^" + pattern + "$").match("/" + file).hasMatch())
+            return "urn:lcdconfigmodel:schema:" + a["systemId"].toString().chopped(4);
+    }
+    return QString();
+}
+
+// xmllint's verdict on `path` against `schema`, found through the catalog.
+Run validate(const QString& path, const QString& schema) {
+    QProcess xmllint;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XML_CATALOG_FILES", kSchemas + "/catalog.xml");
+    xmllint.setProcessEnvironment(env);
+    xmllint.start("xmllint", {"--noout", "--schema", schema, path});
+    if (!xmllint.waitForFinished(60000)) qFatal("xmllint did not finish");
+    return {xmllint.exitCode(), QString::fromUtf8(xmllint.readAllStandardOutput()),
+            QString::fromUtf8(xmllint.readAllStandardError())};
+}
+
 } // namespace
 
 class LcdcfgLintTest : public QObject {
@@ -29,8 +58,9 @@ class LcdcfgLintTest : public QObject {
 private Q_SLOTS:
     // One row per rule: `from` replaced by `to` in `file` of a copy of the
     // shipped tree (all occurrences; an empty `from` writes a new file), and
-    // the one warning expected on the line holding `at`. The first row is the
-    // shipped tree itself, which lints clean.
+    // the one warning expected on the line holding `at`, where the file's
+    // schema fails it too. The first row is the shipped tree itself, which
+    // lints clean and satisfies the schemas.
     void lintReportsPlantedFaults_data() {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QByteArray>("from");
@@ -125,6 +155,12 @@ private Q_SLOTS:
         const QJsonArray problems = QJsonDocument::fromJson(run.out.toUtf8()).object()["problems"].toArray();
         if (code.isEmpty()) {
             QVERIFY2(run.code == 0 && problems.isEmpty(), qPrintable(run.out + run.err));
+            QDirIterator it(root, QDir::Files, QDirIterator::Subdirectories);
+            while (it.hasNext()) { // every file satisfies its schema
+                const QString f = QDir(root).relativeFilePath(it.next());
+                const Run valid = validate(it.filePath(), schemaOf(f));
+                QVERIFY2(!schemaOf(f).isEmpty() && valid.code == 0, qPrintable(f + ": " + valid.err));
+            }
             return;
         }
         QVERIFY2(run.code == 1 && problems.size() == 1, qPrintable(run.out + run.err));
@@ -133,6 +169,15 @@ private Q_SLOTS:
         QCOMPARE(p["code"].toString(), code);
         QVERIFY2(p["text"].toString().contains(text), qPrintable(p["text"].toString()));
         if (!at.isEmpty()) QCOMPARE(p["line"].toInt(), lineOf(content, at));
+        // the file's schema fails it at the same line (no pattern names an unread file)
+        const QString schema = schemaOf(file);
+        QVERIFY(schema.isEmpty() == (code == "unread-file"));
+        if (schema.isEmpty()) return;
+        const Run valid = validate(root + "/" + file, schema);
+        QVERIFY2(valid.code != 0, qPrintable(valid.err));
+        if (!at.isEmpty())
+            QVERIFY2(valid.err.contains(QStringLiteral(":%1: ").arg(p["line"].toInt())),
+                     qPrintable(valid.err));
 
         if (code == "hex-number") // the same tree with the rule ignored is clean
             QCOMPARE(lcdcfg({"lint", "--ignore", code, root}).code, 0);
@@ -168,24 +213,31 @@ private Q_SLOTS:
         test::compareGolden(QString::fromLatin1(QTest::currentDataTag()), run.out.toUtf8());
     }
 
-    // docs/reference/ is what `lcdcfg reference` writes from the shipped tree
-    // and the samples under tests/data/reference/; LCD_UPDATE_GOLDEN=1 rewrites it.
+    // docs/reference/ and share/schema/ are what `lcdcfg reference` and
+    // `lcdcfg schema` write from the shipped tree and the samples under
+    // tests/data/reference/; LCD_UPDATE_GOLDEN=1 rewrites them.
+    void referenceMatchesTheReaders_data() {
+        QTest::addColumn<QString>("verb");
+        QTest::addColumn<QString>("docs");
+        QTest::newRow("reference") << "reference" << QStringLiteral(LCD_SOURCE_DIR "/docs/reference");
+        QTest::newRow("schema") << "schema" << kSchemas;
+    }
     void referenceMatchesTheReaders() {
+        QFETCH(QString, verb);
+        QFETCH(QString, docs);
         QTemporaryDir dir;
-        const QString docs = QStringLiteral(LCD_SOURCE_DIR "/docs/reference");
         const bool update = qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN");
-        const Run run =
-            lcdcfg({"reference", "--output", update ? docs : dir.path(), test::sharedConfig(QString()),
-                    QStringLiteral(LCD_SOURCE_DIR "/tests/data/reference")});
+        const Run run = lcdcfg({verb, "--output", update ? docs : dir.path(), test::sharedConfig(QString()),
+                                QStringLiteral(LCD_SOURCE_DIR "/tests/data/reference")});
         QVERIFY2(run.code == 0, qPrintable(run.out + run.err));
         if (update) return;
         QProcess diff;
         diff.start("diff", {"-ru", docs, dir.path()});
         diff.waitForFinished();
-        QVERIFY2(diff.exitCode() == 0,
-                 qPrintable("docs/reference differs from the readers (LCD_UPDATE_GOLDEN=1 "
-                            "rewrites it):\n" +
-                            QString::fromUtf8(diff.readAllStandardOutput())));
+        QVERIFY2(diff.exitCode() == 0, qPrintable(docs +
+                                                  " differs from the readers (LCD_UPDATE_GOLDEN=1 "
+                                                  "rewrites it):\n" +
+                                                  QString::fromUtf8(diff.readAllStandardOutput())));
     }
 };
 

@@ -21,7 +21,7 @@ if(STEP STREQUAL "install")
     endif()
     run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix} ${config})
     foreach(path include/lcdconfigmodel.h include/lcdconfigmodel/kvc.h bin/lcdcfg
-            ${CONFIGDIR}/func/hdr/lcdhdrinputconfig.xml lib/pkgconfig/lcdconfigmodel.pc
+            ${CONFIGDIR}/func/hdr/lcdhdrinputconfig.xml share/schema/catalog.xml lib/pkgconfig/lcdconfigmodel.pc
             lib/cmake/LcdConfigModel/LcdConfigModelConfigVersion.cmake)
         if(NOT EXISTS ${prefix}/${path})
             message(FATAL_ERROR "not installed: ${path}")

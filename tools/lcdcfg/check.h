@@ -17,5 +17,8 @@ bool checkTree(Tree& tree, Problems& problems);
 // The same for a tree already loaded with `trace` attached, so that a verb
 // that records the load for itself does not load the tree twice.
 void checkTree(Tree& tree, const Trace& trace, Problems& problems);
+// The warnings of `lcdcfg lint` for a tree loaded with `trace` attached; what
+// the readers look for comes from `vocabulary`.
+void lintTree(const Tree& tree, const Trace& trace, const Vocabulary& vocabulary, Problems& problems);
 
 } // namespace lcdcfg

@@ -88,5 +88,7 @@ int runDiff(const QStringList& args);
 int runLint(const QStringList& args);
 int runExplain(const QStringList& args);
 int runReference(const QStringList& args);
+int runSchema(const QStringList& args);
+int runLsp(const QStringList& args);
 
 } // namespace lcdcfg

@@ -6,6 +6,7 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
 
+#include "tools/lcdcfg/check.h"
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/problems.h"
 #include "tools/lcdcfg/session.h"
@@ -251,6 +252,12 @@ void Linter::text(const QDomElement& e, const ElementTrace& t) {
 
 } // namespace
 
+void lintTree(const Tree& tree, const Trace& trace, const Vocabulary& vocabulary, Problems& problems) {
+    Linter linter(tree, vocabulary, problems);
+    for (const DocumentTrace& d : trace.documents())
+        linter.document(d);
+}
+
 int runLint(const QStringList& args) {
     CommandLine cl(
         QStringLiteral("lint"),
@@ -295,9 +302,7 @@ int runLint(const QStringList& args) {
     if (shippedTree.root() != tree.root() && shippedTree.load(&shipped)) vocabulary.add(shipped);
 
     Problems all;
-    Linter linter(tree, vocabulary, all);
-    for (const DocumentTrace& d : trace.documents())
-        linter.document(d);
+    lintTree(tree, trace, vocabulary, all);
     Problems problems;
     for (const Problem& p : all.list())
         if (!ignored.contains(p.code)) problems.add(p);

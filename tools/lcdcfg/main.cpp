@@ -24,6 +24,9 @@ const Verb kVerbs[] = {
     {"explain", lcdcfg::runExplain, "answer a question about a tree, with the file and line of every value"},
     {"reference", lcdcfg::runReference, "write the format reference of every file kind from the readers"},
     {"lint", lcdcfg::runLint, "report what the lenient readers let pass: unread names, numbers read as 0"},
+    {"schema", lcdcfg::runSchema,
+     "write an XML Schema of every file kind, with its catalog, from the readers"},
+    {"lsp", lcdcfg::runLsp, "serve an editor: live check and lint, hover, completion, definitions"},
 };
 
 int usage(QTextStream& stream, int code) {

@@ -1,0 +1,71 @@
+// The language server's adapter onto check, lint, explain and the formats.
+
+#include "tools/lcdcfg/lsp_checks.h"
+
+#include "tools/lcdcfg/check.h"
+#include "tools/lcdcfg/cli.h"
+#include "tools/lcdcfg/trace.h"
+#include "tools/lcdcfg/tree.h"
+
+namespace lcdcfg {
+
+namespace {
+
+// Messages the library writes outside a tree load go to standard error,
+// never to standard output (the protocol's).
+void toStandardError(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type == QtDebugMsg || type == QtInfoMsg) return;
+    err() << "lcdcfg: library: " << text << "\n";
+    err().flush();
+}
+
+} // namespace
+
+TreeChecks::TreeChecks(const kvchost::PluginHost& host) : m_host(host), m_shipped(new Vocabulary) {
+    qInstallMessageHandler(&toStandardError);
+    Trace trace;
+    Tree shipped(host, defaultRoot());
+    if (shipped.load(&trace)) {
+        m_shipped->add(trace);
+        addFormats(m_formats, shipped, trace);
+    }
+}
+
+TreeChecks::~TreeChecks() = default;
+
+void TreeChecks::run(const QString& root) {
+    m_problems = Problems();
+    m_tree.reset();
+    m_trace = std::make_unique<Trace>();
+    m_tree = std::make_unique<Tree>(m_host, root);
+    if (!m_tree->load(m_trace.get())) {
+        m_problems.add({QString(), 0, 0, Severity::Error, QStringLiteral("plugin"), m_tree->error()});
+        return;
+    }
+    checkTree(*m_tree, *m_trace, m_problems);
+    Vocabulary vocabulary = *m_shipped;
+    vocabulary.add(*m_trace);
+    lintTree(*m_tree, *m_trace, vocabulary, m_problems);
+    m_problems.sort();
+    if (!m_workspaceFormats) addFormats(m_formats, *m_tree, *m_trace); // what the workspace adds
+    m_workspaceFormats = true;
+}
+
+QString TreeChecks::loaded(const QString& relative, int index, const QString& attribute) const {
+    if (!m_tree) return QString();
+    const DocumentTrace* d = m_trace->document(m_tree->root() + QLatin1Char('/') + relative);
+    if (!d || !d->ok) return QString();
+    QDomElement element;
+    int i = 0;
+    forEachElement(d->document, [&](const QDomElement& e) {
+        if (i++ == index) element = e;
+    });
+    const ElementTrace* t = element.isNull() ? nullptr : d->at(element);
+    const AttributeTrace* read = t ? t->read(attribute) : nullptr;
+    if (!read) return QStringLiteral("not read");
+    const QString source = sourceOf(*m_tree, *m_trace, element, attribute);
+    return source == QLatin1String("default") ? QStringLiteral("%1, by default").arg(read->stored)
+                                              : QStringLiteral("%1, from %2").arg(read->stored, source);
+}
+
+} // namespace lcdcfg

@@ -1,0 +1,52 @@
+#pragma once
+
+// Everything the language server asks of check, lint, explain and the
+// formats, behind one small interface: a tree is checked as `check` and
+// `lint` check it, and the load stays at hand for hover's "loaded value and
+// where it came from". The server's other files know nothing else of the tool.
+
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
+#include <memory>
+
+#include "host/kvchost.h"
+#include "tools/lcdcfg/formats.h"
+#include "tools/lcdcfg/problems.h"
+
+namespace lcdcfg {
+
+class TreeChecks {
+public:
+    explicit TreeChecks(const kvchost::PluginHost& host);
+    ~TreeChecks();
+
+    // Loads the tree at `root` with the recording observer and lists what
+    // check and lint report (files relative to `root`).
+    void run(const QString& root);
+    const QVector<Problem>& problems() const { return m_problems.list(); }
+
+    // The formats of the file kinds: from the shipped tree once, and from
+    // every tree run since.
+    const Formats& formats() const { return m_formats; }
+    // The kind of a file by its place in a tree (relative path), as the
+    // schemas' file patterns say.
+    static QString kindOf(const QString& relative) { return fileKind(relative); }
+
+    // What the last run loaded from `attribute` of the element number
+    // `index` (document order, the root is 0) of `relative`: "VALUE, from
+    // FILE:LINE" or "VALUE, by default" or "not read"; empty when that file
+    // was not loaded.
+    QString loaded(const QString& relative, int index, const QString& attribute) const;
+
+private:
+    const kvchost::PluginHost& m_host;
+    Formats m_formats;
+    bool m_workspaceFormats = false;
+    std::unique_ptr<Vocabulary> m_shipped; // what the readers look for in the shipped tree
+    std::unique_ptr<Trace> m_trace;
+    std::unique_ptr<Tree> m_tree;
+    Problems m_problems;
+};
+
+} // namespace lcdcfg
