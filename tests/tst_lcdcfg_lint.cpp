@@ -171,7 +171,7 @@ private Q_SLOTS:
         if (!at.isEmpty()) QCOMPARE(p["line"].toInt(), lineOf(content, at));
         // the file's schema fails it at the same line (no pattern names an unread file)
         const QString schema = schemaOf(file);
-        QVERIFY(schema.isEmpty() == (code == "unread-file"));
+        QVERIFY(schema.isEmpty() == (code == "file-unread"));
         if (schema.isEmpty()) return;
         const Run valid = validate(root + "/" + file, schema);
         QVERIFY2(valid.code != 0, qPrintable(valid.err));

@@ -156,7 +156,7 @@ private Q_SLOTS:
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QStringList answers = QString::fromUtf8(file.readAll()).split('\n');
         QVERIFY2(editor.exitCode() == 0, qPrintable(answers.join('\n') + editor.readAllStandardError()));
-        QCOMPARE(answers.value(0), QStringLiteral("diagnostic 33 not-a-number"));
+        QCOMPARE(answers.value(0), QStringLiteral("diagnostic 33 number-invalid"));
         QVERIFY2(answers.value(1).contains("a decimal integer") && answers.value(1).contains("Loaded: 0"),
                  qPrintable(answers.value(1)));
         QVERIFY2(answers.value(2).endsWith("/subcard/2101_hdmi20_4in.xml"), qPrintable(answers.value(2)));

@@ -2,6 +2,8 @@
 
 #include "tools/lcdcfg/lsp_checks.h"
 
+#include <algorithm>
+
 #include "tools/lcdcfg/check.h"
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/trace.h"
@@ -47,8 +49,25 @@ void TreeChecks::run(const QString& root) {
     vocabulary.add(*m_trace);
     lintTree(*m_tree, *m_trace, vocabulary, m_problems);
     m_problems.sort();
+    dropEchoes();
     if (!m_workspaceFormats) addFormats(m_formats, *m_tree, *m_trace); // what the workspace adds
     m_workspaceFormats = true;
+}
+
+// check and lint name one fault with one code (a number that does not
+// convert): where both report it at one place, the editor shows the error.
+void TreeChecks::dropEchoes() {
+    const QVector<Problem>& all = m_problems.list();
+    Problems kept;
+    for (const Problem& p : all) {
+        const bool echo = p.severity == Severity::Warning &&
+                          std::any_of(all.begin(), all.end(), [&](const Problem& e) {
+                              return e.severity == Severity::Error && e.code == p.code && e.file == p.file &&
+                                     e.line == p.line && e.column == p.column;
+                          });
+        if (!echo) kept.add(p);
+    }
+    m_problems = std::move(kept);
 }
 
 QString TreeChecks::loaded(const QString& relative, int index, const QString& attribute) const {

@@ -40,6 +40,8 @@ public:
     QString loaded(const QString& relative, int index, const QString& attribute) const;
 
 private:
+    void dropEchoes();
+
     const kvchost::PluginHost& m_host;
     Formats m_formats;
     bool m_workspaceFormats = false;

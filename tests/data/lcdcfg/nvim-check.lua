@@ -30,12 +30,12 @@ local found = nil
 vim.wait(30000, function()
   for _, d in ipairs(vim.diagnostic.get(buf)) do
     local code = d.code or (d.user_data and d.user_data.lsp and d.user_data.lsp.code)
-    if code == 'not-a-number' then found = d; return true end
+    if code == 'number-invalid' then found = d; return true end
   end
   return false
 end, 50)
 if not found then out:write('no diagnostic\n'); return done(3) end
-out:write(string.format('diagnostic %d not-a-number\n', found.lnum + 1))
+out:write(string.format('diagnostic %d number-invalid\n', found.lnum + 1))
 
 local function ask(method, row, col)
   local params = { textDocument = { uri = vim.uri_from_bufnr(buf) }, position = { line = row, character = col } }
