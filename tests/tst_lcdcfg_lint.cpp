@@ -74,12 +74,11 @@ private Q_SLOTS:
         QTest::newRow("parse") << slot << QByteArray("</Vrn>") << QByteArray("") << QByteArray() << "parse"
                                << "Parse error";
         QTest::newRow("root") << "func/hdr/lcdhdrinputconfig.xml" << QByteArray("Kalmir")
-                                   << QByteArray("Kalmar") << QByteArray("<Kalmar") << "root"
-                                   << "root <Kalmar> is refused";
-        QTest::newRow("version")
-            << "ui/checklist.xml" << QByteArray("version=\"1.0\">") << QByteArray("version=\"2.0\">")
-            << QByteArray("<LCD") << "version"
-            << "version=\"2.0\": only \"1.0\" is accepted";
+                              << QByteArray("Kalmar") << QByteArray("<Kalmar") << "root"
+                              << "root <Kalmar> is refused";
+        QTest::newRow("version") << "ui/checklist.xml" << QByteArray("version=\"1.0\">")
+                                 << QByteArray("version=\"2.0\">") << QByteArray("<LCD") << "version"
+                                 << "version=\"2.0\": only \"1.0\" is accepted";
         QTest::newRow("file-unread") << "device/29974/29974_notes.xml" << QByteArray()
                                      << QByteArray("<Vrn version=\"1.0\"><Device/></Vrn>\n")
                                      << QByteArray("<Vrn") << "file-unread"
@@ -101,8 +100,8 @@ private Q_SLOTS:
             << QByteArray("<CrossCard") << "unread-attribute"
             << "no reader reads Suport of <CrossCard>; did you mean Support?";
         QTest::newRow("number-invalid") << slot << QByteArray("Index=\"6\"") << QByteArray("Index=\"six\"")
-                                      << QByteArray("\"six\"") << "number-invalid"
-                                      << "Index=\"six\" of <Slot> is not a decimal number (stored as 0)";
+                                        << QByteArray("\"six\"") << "number-invalid"
+                                        << "Index=\"six\" of <Slot> is not a decimal number (stored as 0)";
         QTest::newRow("boolean-number")
             << slot << QByteArray("<CrossCard Support=\"1\"") << QByteArray("<CrossCard Support=\"true\"")
             << QByteArray("<CrossCard") << "boolean-number"

@@ -60,11 +60,11 @@ void TreeChecks::dropEchoes() {
     const QVector<Problem>& all = m_problems.list();
     Problems kept;
     for (const Problem& p : all) {
-        const bool echo = p.severity == Severity::Warning &&
-                          std::any_of(all.begin(), all.end(), [&](const Problem& e) {
-                              return e.severity == Severity::Error && e.code == p.code && e.file == p.file &&
-                                     e.line == p.line && e.column == p.column;
-                          });
+        const bool echo =
+            p.severity == Severity::Warning && std::any_of(all.begin(), all.end(), [&](const Problem& e) {
+                return e.severity == Severity::Error && e.code == p.code && e.file == p.file &&
+                       e.line == p.line && e.column == p.column;
+            });
         if (!echo) kept.add(p);
     }
     m_problems = std::move(kept);
