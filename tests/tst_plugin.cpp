@@ -62,7 +62,11 @@ private Q_SLOTS:
         QTest::addColumn<QString>("library"); // empty: this plug-in
         QTest::addColumn<QString>("id");
         QTest::addColumn<QString>("message");
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+        const QString qtXml = QLibraryInfo::path(QLibraryInfo::LibrariesPath) + "/libQt6Xml.so.6";
+#else
         const QString qtXml = QLibraryInfo::location(QLibraryInfo::LibrariesPath) + "/libQt5Xml.so.5";
+#endif
         QTest::newRow("missing file") << "/nonexistent/liblcd.so"
                                       << ""
                                       << "plug-in not found: /nonexistent/liblcd.so";

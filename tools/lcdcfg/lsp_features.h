@@ -11,6 +11,8 @@
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
+#include <cstddef>
+
 namespace lcdcfg {
 
 class TreeChecks;
@@ -72,7 +74,7 @@ public:
 
 private:
     struct File {
-        uint hash = 0;
+        std::size_t hash = 0; // qHash of the text (uint under Qt 5)
         QVector<IdSite> sites;
     };
     QHash<QString, File> m_files;

@@ -160,7 +160,7 @@ void Trace::recordStarted(const RecordRead& record) {
 }
 
 void Trace::recordEnded(RecordKind) {
-    m_place.resize(std::max(0, m_place.size() - 3));
+    m_place.resize(std::max(0, int(m_place.size()) - 3));
 }
 
 const Site* Trace::record(const RecordPath& path) const {
