@@ -2,6 +2,12 @@
 // cost of the scan for the structural limits that runs before every DOM parse.
 //
 //   bench_load <config directory> [runs]
+//   bench_load --tree <config directory> <S> <output directory>
+//   bench_load --once <device|card|connector> <tree>
+//
+// --tree writes the tree at scale S that the first table generates; --once
+// loads one component of such a tree once, in `loadOnce`, for instruction
+// counts: valgrind --tool=callgrind --toggle-collect='*loadOnce*'.
 //
 // First, the scaled comparison: a tree S times the shipped one (S device
 // models, S copies of every card file and of every connector file, ids and
@@ -437,9 +443,27 @@ void benchLimits() {
     }
 }
 
+// One load of a component, its records freed inside (--once).
+Q_NEVER_INLINE bool loadOnce(const QString& component, const QString& root) {
+    if (component == QLatin1String("device"))
+        return loaded<DeviceTessanConfigManager>(root + "/device") != nullptr;
+    if (component == QLatin1String("card")) return loaded<SubcardConfigManager>(root + "/subcard") != nullptr;
+    return loaded<ConnectorConfigManager>(root + "/connector") != nullptr;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    const QByteArray mode = argc > 1 ? QByteArray(argv[1]) : QByteArray();
+    if (mode == "--tree" && argc == 5) {
+        generateTree(QDir(QString::fromLocal8Bit(argv[2])).absolutePath(), QString::fromLocal8Bit(argv[4]),
+                     std::atoi(argv[3]));
+        return 0;
+    }
+    if (mode == "--once" && argc == 4) {
+        qInstallMessageHandler(silence);
+        return loadOnce(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3])) ? 0 : 1;
+    }
     if (argc < 2 || !QDir(QString::fromLocal8Bit(argv[1])).exists()) {
         std::fprintf(stderr, "usage: %s <config directory> [runs]\n", argv[0]);
         return 2;
