@@ -8,6 +8,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QList>
 #include <QtCore/QProcess>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QString>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
@@ -75,50 +76,55 @@ inline QByteArray nestedDocument(const QByteArray& root, int depth, const QByteA
     return doc;
 }
 
-// Copies every file below `from` to `to` (parents created); returns `to`.
-inline QString copyTree(const QString& from, const QString& to) {
-    QDirIterator it(from, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString source = it.next();
-        const QString target = to + "/" + QDir(from).relativeFilePath(source);
+// A copy of the shipped configuration at `dir`/`at`; returns its path.
+inline QString shippedCopy(const QTemporaryDir& dir, const QString& at = QStringLiteral("config")) {
+    const QString from = sharedConfig(QString()), to = dir.filePath(at);
+    for (QDirIterator it(from, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
+        const QString target = to + "/" + QDir(from).relativeFilePath(it.next());
         QDir().mkpath(QFileInfo(target).absolutePath());
-        QFile::copy(source, target);
+        QFile::copy(it.filePath(), target);
     }
     return to;
 }
 
-// A copy of the shipped configuration at `dir`/`at`; returns its path.
-inline QString shippedCopy(const QTemporaryDir& dir, const QString& at = QStringLiteral("config")) {
-    return copyTree(sharedConfig(QString()), dir.filePath(at));
-}
-
-// The command-line tool run as a user runs it: exit code, output and errors.
+// A program run as a user runs it: exit code (-1 when it crashed), output and errors.
 struct Run {
     int code;
     QString out;
     QString err;
 };
 
-inline Run lcdcfg(const QStringList& args) {
+inline Run run(const QString& program, const QStringList& args,
+               const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment()) {
     QProcess process;
-    process.start(QStringLiteral(LCD_TOOL_PATH), args);
+    process.setProcessEnvironment(environment);
+    process.start(program, args);
     // A run that has not ended (slow under the sanitizers) fails as such,
     // not with the exit code 0 of a process still running.
     if (!process.waitForFinished(600000)) {
         process.kill();
         process.waitForFinished();
-        return {-1, QString(), QStringLiteral("lcdcfg did not end within 600 s")};
+        return {-1, QString(), program + QStringLiteral(" did not end within 600 s")};
     }
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
 }
 
-// Compares `actual` with the golden file tests/data/lcdcfg/`name`; a mismatch
-// fails with the unified diff (golden first). LCD_UPDATE_GOLDEN=1 rewrites it.
-inline void compareGolden(const QString& name, const QByteArray& actual) {
-    const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/lcdcfg/") + name;
+// The command-line tool.
+inline Run lcdcfg(const QStringList& args) {
+    return run(QStringLiteral(LCD_TOOL_PATH), args);
+}
+
+// Compares `actual` with the golden file tests/data/`folder``name`; a
+// mismatch fails with the unified diff (golden first). LCD_UPDATE_GOLDEN=1
+// rewrites it.
+inline void compareGolden(const QString& name, const QByteArray& actual,
+                          const QString& folder = QStringLiteral("lcdcfg/")) {
+    const QString path = QStringLiteral(LCD_SOURCE_DIR "/tests/data/") + folder + name;
     QFile file(path);
     if (qEnvironmentVariableIsSet("LCD_UPDATE_GOLDEN")) {
+        QDir().mkpath(QFileInfo(path).absolutePath());
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(actual);
         return;
@@ -220,7 +226,7 @@ template <class T> QString valueText(const T& v) {
         return QStringLiteral("(value)");
 }
 
-template <class T> QString difference(const T& a, const T& b, const QString& at);
+template <class T> void differences(const T& a, const T& b, const QString& at, QStringList& out, bool every);
 
 // A record's field names as its LCD_RECORD_FIELDS list writes them (a base
 // record's part reads "static_cast<const Base&>(*this)": named "base").
@@ -231,50 +237,72 @@ inline QStringList fieldNames(const char* list) {
     return names;
 }
 
-template <class Fields, std::size_t... I>
-QString fieldDifference(const Fields& fa, const Fields& fb, const QString& at, const QStringList& names,
-                        std::index_sequence<I...>) {
-    QString found;
-    ((found.isEmpty() ? void(found = difference(std::get<I>(fa), std::get<I>(fb),
-                                                at + QLatin1Char('.') + names.value(int(I))))
-                      : void()),
-     ...);
-    return found;
-}
-
-// Where `a` and `b` first differ, as "path: a-value vs b-value"; empty when
-// they are equal. Records are walked through their field list
-// (LCD_RECORD_FIELDS), lists element by element.
-template <class T> QString difference(const T& a, const T& b, const QString& at) {
+// Every place where `a` and `b` differ, as "path: a-value vs b-value", in
+// field order (every value, equal or not, when `every`). Records are walked
+// through their field list (LCD_RECORD_FIELDS), lists element by element; an
+// element only one list has is set against a fresh element, value by value.
+template <class T> void differences(const T& a, const T& b, const QString& at, QStringList& out, bool every) {
     if constexpr (IsRecord<T>::value) {
-        const auto fa = a.fields();
-        return fieldDifference(fa, b.fields(), at, fieldNames(T::fieldNames()),
-                               std::make_index_sequence<std::tuple_size_v<decltype(fa)>>{});
+        const QStringList names = fieldNames(T::fieldNames());
+        int i = 0;
+        std::apply(
+            [&](const auto&... fa) {
+                std::apply(
+                    [&](const auto&... fb) {
+                        (differences(fa, fb, at + '.' + names.value(i++), out, every), ...);
+                    },
+                    b.fields());
+            },
+            a.fields());
     } else if constexpr (IsList<T>::value && !std::is_same_v<T, std::string> && !std::is_same_v<T, QString>) {
         if (a.size() != b.size())
-            return at +
-                   QStringLiteral(": %1 elements vs %2").arg(qlonglong(a.size())).arg(qlonglong(b.size()));
+            out << at + QStringLiteral(": %1 elements vs %2")
+                            .arg(qlonglong(a.size()))
+                            .arg(qlonglong(b.size()));
+        const typename T::value_type fresh{};
+        auto ia = a.begin();
         auto ib = b.begin();
-        int index = 0;
-        for (auto ia = a.begin(); ia != a.end(); ++ia, ++ib, ++index)
-            if (const QString d = difference(*ia, *ib, at + QStringLiteral("[%1]").arg(index)); !d.isEmpty())
-                return d;
-        return {};
-    } else {
-        if (a == b) return {};
-        return at + ": " + valueText(a) + " vs " + valueText(b);
+        for (int index = 0; ia != a.end() || ib != b.end(); ++index) {
+            const bool both = ia != a.end() && ib != b.end();
+            differences(ia != a.end() ? *ia : fresh, ib != b.end() ? *ib : fresh,
+                        at + QStringLiteral("[%1]").arg(index), out, every || !both);
+            if (ia != a.end()) ++ia;
+            if (ib != b.end()) ++ib;
+        }
+    } else if (every || !(a == b)) {
+        out << at + ": " + valueText(a) + " vs " + valueText(b);
     }
+}
+
+template <class T> QStringList differences(const T& a, const T& b, const QString& at = QString()) {
+    QStringList out;
+    differences(a, b, at, out, false);
+    return out;
+}
+
+// Compares the differences of `actual` from `reference`, one line each, with
+// the golden file tests/data/`folder`/<the data row's tag (or the test
+// function's name), in words joined by '-'>.txt: what the row changed, field
+// by field.
+template <class T> void compareChanges(const QString& folder, const T& reference, const T& actual) {
+    const char* tag = QTest::currentDataTag();
+    const QString row = QString::fromUtf8(tag ? tag : QTest::currentTestFunction()).toLower();
+    const QString name =
+        row.split(QRegularExpression(QStringLiteral("[^a-z0-9]+")), Qt::SkipEmptyParts).join('-');
+    compareGolden(name + ".txt", differences(reference, actual).join('\n').toUtf8() + '\n', folder + '/');
 }
 
 } // namespace test
 
-// QCOMPARE for whole records: a failure names the first differing field with
+// QCOMPARE for whole records: a failure names every differing field with
 // both values ("r.max: 0 vs 255").
 #define LCD_COMPARE_RECORDS(actual, expected)                                                                \
     do {                                                                                                     \
         const auto& lcdActual = (actual);                                                                    \
         const std::decay_t<decltype(lcdActual)>& lcdExpected = (expected);                                   \
-        const QString lcdDifference = test::difference(lcdActual, lcdExpected, QStringLiteral(#actual));     \
-        if (!lcdDifference.isEmpty() || !(lcdActual == lcdExpected))                                         \
-            QFAIL(qPrintable(QStringLiteral("records differ at ") + lcdDifference));                         \
+        const QStringList lcdDifferences =                                                                   \
+            test::differences(lcdActual, lcdExpected, QStringLiteral(#actual));                              \
+        if (!lcdDifferences.isEmpty() || !(lcdActual == lcdExpected))                                        \
+            QFAIL(qPrintable(QStringLiteral("records differ at ") +                                          \
+                             lcdDifferences.join(QStringLiteral("; "))));                                    \
     } while (false)

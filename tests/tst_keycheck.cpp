@@ -1,4 +1,5 @@
-// The key-check list and the print-key-number table.
+// The key-check list and the print-key-number table (the shipped ones are
+// pinned by tst_lcdcfg_show's dumps).
 
 #include <QtTest/QtTest>
 
@@ -42,19 +43,28 @@ private Q_SLOTS:
         QCOMPARE(config.getKeyCheckList(), expected);
     }
 
-    void keyListFailuresLeaveTheListAlone() {
+    // A failed load leaves the table alone and its text stays after a later
+    // success; a second load appends, the first copy answers.
+    void failuresAndReloads() {
         QTemporaryDir dir;
         const QString good =
             test::writeFile(dir, "good.xml", "<LCD><LcdKeys><K Value=\"5\" Name=\"OK\"/></LcdKeys></LCD>");
-        const QString noKeys = test::writeFile(dir, "nokeys.xml", "<LCD><Keys/></LCD>");
-        KeyCheckConfig config;
+        KeyCheckConfig keys;
         QString error;
-        QVERIFY(config.readConfig(good, error));
-        QVERIFY(!config.readConfig(noKeys, error));
+        QVERIFY(keys.readConfig(good, error));
+        QVERIFY(!keys.readConfig(test::writeFile(dir, "nokeys.xml", "<LCD><Keys/></LCD>"), error));
         QCOMPARE(error, QStringLiteral("node not matches."));
-        QVERIFY(config.readConfig(good, error)); // success keeps the earlier failure's text
+        QVERIFY(keys.readConfig(good, error));
         QCOMPARE(error, QStringLiteral("node not matches."));
-        QCOMPARE(config.getKeyCheckList(), (KeyList{{5, "OK"}, {5, "OK"}})); // reload doubles
+        QCOMPARE(keys.getKeyCheckList(), (KeyList{{5, "OK"}, {5, "OK"}}));
+
+        PrintKeyNoConfig printKeys;
+        const QString shipped = test::sharedConfig("ui/printkeynoconfig.xml");
+        QVERIFY(printKeys.readConfig(shipped, error));
+        QVERIFY(!printKeys.readConfig(test::sharedConfig("ui/missing.xml"), error));
+        QCOMPARE(printKeys.getPrintKeyNoCfg(29974, 2101).modelId, 2101);
+        QVERIFY(printKeys.readConfig(shipped, error));
+        QCOMPARE(printKeys.getPrintKeyNoCfg(29974, 2101).printKeyNos.size(), size_t(4));
     }
 
     void printKeyLookups_data() {
@@ -94,23 +104,6 @@ private Q_SLOTS:
             }
             QCOMPARE(got, keys);
         }
-    }
-
-    void shippedFilesLoadCleanly() {
-        KeyCheckConfig keys;
-        PrintKeyNoConfig printKeys;
-        QCOMPARE(test::loadProblems([&](QString& error) {
-                     return keys.readConfig(test::sharedConfig("ui/checklist.xml"), error) &&
-                            printKeys.readConfig(test::sharedConfig("ui/printkeynoconfig.xml"), error);
-                 }),
-                 QString());
-        // Their contents are pinned by the tool's dumps (tst_lcdcfg_show).
-        // A failed load leaves the table alone; a second load appends, the first copy answers.
-        QString error;
-        QVERIFY(!printKeys.readConfig(test::sharedConfig("ui/missing.xml"), error));
-        QCOMPARE(printKeys.getPrintKeyNoCfg(29974, 2101).modelId, 2101);
-        QVERIFY(printKeys.readConfig(test::sharedConfig("ui/printkeynoconfig.xml"), error));
-        QCOMPARE(printKeys.getPrintKeyNoCfg(29974, 2101).printKeyNos.size(), size_t(4));
     }
 };
 
