@@ -17,29 +17,15 @@ namespace {
 
 const char kSplice[] = "device/29974/29974_screen_splice.xml";
 
-struct Run {
-    int code = -1;
-    QByteArray out;
-    QByteArray err;
-};
+using test::Run;
 
-Run run(const QString& program, const QStringList& args, const QString& home = QString()) {
-    QProcess process;
-    if (!home.isEmpty()) {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("HOME"), home);
-        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/.config"));
-        env.insert(QStringLiteral("XDG_CACHE_HOME"), home + QStringLiteral("/.cache"));
-        process.setProcessEnvironment(env);
-    }
-    process.start(program, args);
-    if (!process.waitForFinished(120000)) {
-        process.kill();
-        process.waitForFinished();
-        return {-1, {}, "timed out: " + program.toUtf8()};
-    }
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            process.readAllStandardOutput(), process.readAllStandardError()};
+// The browser run with a home of its own under `home`.
+Run browse(const QString& browser, const QStringList& args, const QString& home) {
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), home);
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/.config"));
+    env.insert(QStringLiteral("XDG_CACHE_HOME"), home + QStringLiteral("/.cache"));
+    return test::run(browser, args, env);
 }
 
 // Headless Chromium: $LCD_BROWSER, else the first of Debian's packages found.
@@ -69,14 +55,10 @@ int countInScreenFiles(const QString& root, const QString& pattern) {
 
 // A 1920 x 1080 cell element as the shipped splice file writes it.
 QString cell(int x, int y, int row, int column, int slot, int connector) {
-    return QStringLiteral("<Cell X=\"%1\" Y=\"%2\" Width=\"1920\" Height=\"1080\" Row=\"%3\" Column=\"%4\" "
-                          "SlotIndex=\"%5\" ConnectorIndex=\"%6\"/>")
-        .arg(x)
-        .arg(y)
-        .arg(row)
-        .arg(column)
-        .arg(slot)
-        .arg(connector);
+    return QString::asprintf(
+        "<Cell X=\"%d\" Y=\"%d\" Width=\"1920\" Height=\"1080\" Row=\"%d\" Column=\"%d\" "
+        "SlotIndex=\"%d\" ConnectorIndex=\"%d\"/>",
+        x, y, row, column, slot, connector);
 }
 
 } // namespace
@@ -121,12 +103,11 @@ private Q_SLOTS:
             test::writeFile(dir, QStringLiteral("config/") + kSplice, xml.replace(from, to).toUtf8());
         }
         const QString page = dir.filePath(QStringLiteral("report.html"));
-        const Run report = run(QStringLiteral(LCD_TOOL_PATH), {"report", root, "-o", page});
-        QVERIFY2(report.code == (fault.isEmpty() ? 0 : 1), report.out + report.err);
+        const Run report = test::lcdcfg({"report", root, "-o", page});
+        QVERIFY2(report.code == (fault.isEmpty() ? 0 : 1), qPrintable(report.out + report.err));
         const QByteArray html = readAll(page);
         if (fault.isEmpty()) { // names and labels in the other language
-            const Run chinese =
-                run(QStringLiteral(LCD_TOOL_PATH), {"report", root, "--locale", "zh_CN", "-o", "-"});
+            const Run chinese = test::lcdcfg({"report", root, "--locale", "zh_CN", "-o", "-"});
             QVERIFY(chinese.out.contains("lang=\"zh-CN\"") && chinese.out.contains(">机箱</h3>") &&
                     chinese.out.contains("2x2 拼接") && chinese.out.contains("4U液晶拼接处理器"));
         }
@@ -149,15 +130,15 @@ private Q_SLOTS:
         probed.replace("</body>", "<script>" + test::testData(QStringLiteral("lcdcfg/report-probe.js")) +
                                       "</script></body>");
         const QString probePage = test::writeFile(dir, QStringLiteral("probed.html"), probed);
-        const Run dumped = run(m_browser,
-                               common + QStringList{"--enable-logging=stderr", "--v=0", "--dump-dom",
-                                                    QUrl::fromLocalFile(probePage).toString()},
-                               home);
-        for (const QByteArray& line : dumped.err.split('\n'))
-            QVERIFY2(!line.contains(":CONSOLE") && !line.contains("Uncaught"), line);
-        QVERIFY2(dumped.code == 0, dumped.err);
-        const QRegularExpressionMatch m = QRegularExpression(QStringLiteral("<pre id=\"probe\">(.*)</pre>"))
-                                              .match(QString::fromUtf8(dumped.out));
+        const Run dumped = browse(m_browser,
+                                  common + QStringList{"--enable-logging=stderr", "--v=0", "--dump-dom",
+                                                       QUrl::fromLocalFile(probePage).toString()},
+                                  home);
+        for (const QString& line : dumped.err.split('\n'))
+            QVERIFY2(!line.contains(":CONSOLE") && !line.contains("Uncaught"), qPrintable(line));
+        QVERIFY2(dumped.code == 0, qPrintable(dumped.err));
+        const QRegularExpressionMatch m =
+            QRegularExpression(QStringLiteral("<pre id=\"probe\">(.*)</pre>")).match(dumped.out);
         QVERIFY2(m.hasMatch(), "the probe left no result");
         QString json = m.captured(1);
         json.replace("&lt;", "<").replace("&gt;", ">").replace("&amp;", "&");
@@ -174,10 +155,10 @@ private Q_SLOTS:
             QVERIFY2(faults.isEmpty(), QJsonDocument(faults).toJson());
             // the page itself, photographed (LCD_UPDATE_SCREENSHOT=1 keeps it as docs/report.png)
             const QString shot = dir.filePath(QStringLiteral("report.png"));
-            const Run shown =
-                run(m_browser,
-                    common + QStringList{"--screenshot=" + shot, QUrl::fromLocalFile(page).toString()}, home);
-            QVERIFY2(QFileInfo(shot).size() > 10000, shown.err);
+            const Run shown = browse(
+                m_browser, common + QStringList{"--screenshot=" + shot, QUrl::fromLocalFile(page).toString()},
+                home);
+            QVERIFY2(QFileInfo(shot).size() > 10000, qPrintable(shown.err));
             if (qEnvironmentVariableIntValue("LCD_UPDATE_SCREENSHOT")) {
                 QFile::remove(QStringLiteral(LCD_SOURCE_DIR "/docs/report.png"));
                 QVERIFY(QFile::copy(shot, QStringLiteral(LCD_SOURCE_DIR "/docs/report.png")));

@@ -3,6 +3,7 @@
 // the logged lookup are pinned where the parsers use them (tst_feature,
 // tst_layerfile, tst_screenfile, tst_connector).
 
+#include <QtCore/QXmlStreamReader>
 #include <QtTest/QtTest>
 
 #include "common/xmlread.h"
@@ -77,15 +78,10 @@ private Q_SLOTS:
         while (files.hasNext()) {
             QFile file(files.next());
             QVERIFY(file.open(QIODevice::ReadOnly));
-            const QDomDocument doc = test::document(file.readAll());
-            std::function<void(const QDomElement&)> collect = [&](const QDomElement& e) {
-                const QDomNamedNodeMap attributes = e.attributes();
-                for (int a = 0; a < attributes.size(); ++a)
-                    shipped.insert(attributes.item(a).nodeValue());
-                for (QDomElement c = e.firstChildElement(); !c.isNull(); c = c.nextSiblingElement())
-                    collect(c);
-            };
-            collect(doc.documentElement());
+            for (QXmlStreamReader reader(&file); !reader.atEnd();)
+                if (reader.readNext() == QXmlStreamReader::StartElement)
+                    for (const QXmlStreamAttribute& a : reader.attributes())
+                        shipped.insert(a.value().toString());
         }
         QVERIFY(shipped.size() > 50);
         for (const QString& text : shipped)
