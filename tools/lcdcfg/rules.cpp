@@ -45,7 +45,7 @@ void cardUnknown(RuleRun& run) {
 // The document the card at `position` of the catalogue was read from.
 QString cardDocument(const RuleRun& run, int position) {
     const Site* site = run.trace.record({{K::Card, position}});
-    return site ? site->document : QStringLiteral("subcard");
+    return site ? site->document : run.input(Part::Cards);
 }
 
 void connectorTypeUndescribed(RuleRun& run) {
@@ -307,7 +307,7 @@ void cardDuplicate(RuleRun& run) {
             continue;
         }
         const Site* earlier = run.trace.record({{K::Card, first.value(card.modelId)}});
-        run.report(run.trace.record({{K::Card, n}}), QStringLiteral("subcard"),
+        run.report(run.trace.record({{K::Card, n}}), run.input(Part::Cards),
                    QStringLiteral("card model %1 is already described in %2")
                        .arg(card.modelId)
                        .arg(earlier ? run.tree.relative(earlier->document) : QString()),
@@ -320,7 +320,7 @@ void currentDeviceMissing(RuleRun& run) {
     if (!load || !load->attempted || !run.tree.devices()) return;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs())
         if (device.modelId == facts::kCurrentModel) return;
-    run.report(nullptr, QStringLiteral("device"),
+    run.report(nullptr, run.input(Part::Devices),
                QStringLiteral("the current device, model %1, is not described").arg(facts::kCurrentModel));
 }
 
@@ -347,7 +347,7 @@ void names(RuleRun& run, bool english) {
         for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
             const Site* at = run.trace.record({{K::Card, position++}});
             if (!(english ? card.name.en : card.name.zhCN).empty()) continue;
-            run.report(at, QStringLiteral("subcard"),
+            run.report(at, run.input(Part::Cards),
                        QStringLiteral("card model %1 has no %2 name").arg(card.modelId).arg(language));
         }
 }
@@ -386,7 +386,7 @@ void fileUnread(RuleRun& run) {
             const auto here = run.is(document);
             const bool failed = std::any_of(run.trace.failures().begin(), run.trace.failures().end(),
                                             [&](const DocumentFailure& f) { return here(f.document); });
-            if (!failed && run.trace.find(here, QString(), {}).isEmpty())
+            if (!failed && !run.trace.readFrom(document))
                 run.report(nullptr, document,
                            QStringLiteral(
                                "the %1 loader read nothing from this file: is its first element misspelt?")
@@ -484,6 +484,11 @@ bool RuleRun::knownCard(int modelId) const {
     for (const Subcard::s_Subcard& card : tree.cards()->subcardConfig())
         if (card.modelId == modelId) return true;
     return false;
+}
+
+QString RuleRun::input(Part part) const {
+    const PartLoad* load = tree.loadOf(part);
+    return load ? load->inputs.value(0) : QString();
 }
 
 QString RuleRun::modelFolder(int position) const {
