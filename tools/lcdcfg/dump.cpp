@@ -28,9 +28,21 @@ int runDump(const QStringList& args) {
         session.load(positional.isEmpty() ? QVector<Part>{} : QVector<Part>{part});
     if (!tree) return kUsage;
     QJsonObject dump = dumpTree(*tree);
-    if (!positional.isEmpty())
-        for (const PartLoad& load : tree->loads())
-            if (load.part != part) dump.remove(QLatin1String(partName(load.part)));
+    QJsonObject stopped; // where a component's load stopped, and why: its records end there
+    for (const PartLoad& load : tree->loads()) {
+        const QLatin1String name(partName(load.part));
+        if (!positional.isEmpty() && load.part != part) {
+            dump.remove(name);
+            continue;
+        }
+        const Tree::Stop stop = tree->stop(load.part);
+        if (stop.isNull()) continue;
+        QJsonObject at{{QStringLiteral("file"), stop.file}, {QStringLiteral("problem"), stop.problem}};
+        if (stop.line > 0) at.insert(QStringLiteral("line"), stop.line);
+        stopped.insert(name, at);
+        err() << "lcdcfg dump: " << name << " did not load in full: " << tree->failure(load.part) << "\n";
+    }
+    if (!stopped.isEmpty()) dump.insert(QStringLiteral("stopped"), stopped);
     out() << QString::fromUtf8(QJsonDocument(dump).toJson(QJsonDocument::Indented));
     return kClean;
 }

@@ -2,6 +2,7 @@
 // the components' public interfaces, and shows for every value the file and
 // line it was read from, or "default" when no file stated it.
 
+#include "common/facts.h"
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/session.h"
 #include "tools/lcdcfg/trace.h"
@@ -101,18 +102,10 @@ QString modelDir(int model) {
 int explainSlot(const Tree& tree, const Trace& trace, Answer& a, int model, int index) {
     const Devicecfg::s_Device* device = deviceOf(tree, model);
     if (!device) return -1;
-    const Slot::s_Slots& s = device->slot.slots;
-    const std::pair<const char*, const Slot::s_SlotAttr*> groups[] = {
-        {"MainControlCardSlots", &s.mainControlCardSlots},
-        {"InputCardSlots", &s.inputCardSlots},
-        {"OutputCardSlots", &s.outputCardSlots},
-        {"MixCardSlots", &s.mixCardSlots},
-        {"MVRCardSlots", &s.mvrCardSlots},
-        {"AUXCardSlots", &s.auxCardSlots},
-        {"EXPCardSlots", &s.expCardSlots},
-    };
     const QString dir = modelDir(model);
-    for (const auto& [tag, group] : groups) {
+    for (const LCD::ConfigModel::facts::SlotGroupFacts& facts : LCD::ConfigModel::facts::kSlotGroups) {
+        const char* tag = facts.element;
+        const Slot::s_SlotAttr* group = &(device->slot.slots.*facts.member);
         for (const Slot::s_Slot& slot : group->slots) {
             if (slot.index != index) continue;
             const QString g = QStringLiteral("Slots/") + QLatin1String(tag);

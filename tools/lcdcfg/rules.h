@@ -43,6 +43,8 @@ public:
     const Site* first(const QString& folder, const QString& tag, Trace::Match values) const;
     // Whether the catalogue has the card model, or the host loses it to a bad file.
     bool knownCard(int modelId) const;
+    // The (first) path a part loads, absolute: "ROOT/subcard".
+    QString input(Part part) const;
     // The folder of the device model at `position` among the models
     // ("device/29974"), relative to the root; empty when none of its files was read.
     QString modelFolder(int position) const;

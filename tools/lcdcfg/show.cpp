@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "common/facts.h"
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/records.h"
 #include "tools/lcdcfg/session.h"
@@ -51,10 +52,6 @@ QString optionValues(const QJsonValue& option) {
 
 // ---- show device ------------------------------------------------------------
 
-const char* const kSlotGroups[] = {"mainControlCardSlots", "mixCardSlots", "inputCardSlots",
-                                   "outputCardSlots",      "mvrCardSlots", "auxCardSlots",
-                                   "expCardSlots"};
-
 // Every setting of a feature record that states a support flag, by its field
 // path (genlock.type), with what the record says of it.
 void features(const QJsonObject& o, const QString& prefix, Table& table) {
@@ -74,19 +71,8 @@ void features(const QJsonObject& o, const QString& prefix, Table& table) {
     }
 }
 
-int showDevice(const Tree& tree, const QStringList& args) {
-    const DeviceConfigInterface& registry = *tree.devices();
-    const int current = registry.curDeviceConfigs().modelId;
-    const int wanted = args.isEmpty() ? current : args.first().toInt();
-    const Devicecfg::s_Device* device = nullptr;
-    for (const Devicecfg::s_Device& d : registry.DeviceConfigs())
-        if (!device && d.modelId == wanted) device = &d;
-    if (!device) {
-        err() << "lcdcfg show: no device model " << (args.isEmpty() ? QStringLiteral("loaded") : args.first())
-              << "\n";
-        return kProblems;
-    }
-    const bool isCurrent = device->modelId == current;
+// The model's names, and what the host asks of the current device.
+void deviceNames(const DeviceConfigInterface& registry, const Devicecfg::s_Device* device, bool isCurrent) {
     const Feature::s_DeviceFeature& f = device->feature;
     Table names({QStringLiteral("FIELD"), QStringLiteral("VALUE")});
     if (isCurrent) names.add({QStringLiteral("type name"), registry.findDeviceTypeName()});
@@ -100,18 +86,15 @@ int showDevice(const Tree& tree, const QStringList& args) {
         names.add({QStringLiteral("check blank"), num(registry.deviceCheckBlankValue())});
     }
     names.print(out(), QStringLiteral("model %1%2").arg(device->modelId).arg(isCurrent ? " (current)" : ""));
+}
 
+// Every slot of every group, in the order the host's queries walk them.
+void deviceSlots(const DeviceConfigInterface& registry, const Devicecfg::s_Device* device, bool isCurrent) {
     Table slots({QStringLiteral("GROUP"), QStringLiteral("LABEL"), QStringLiteral("DIRECTION"),
                  QStringLiteral("INTERFACE"), QStringLiteral("SLOT"), QStringLiteral("ACCEPTS"),
                  QStringLiteral("PLACED"), QStringLiteral("CARDS IN SLOT")});
-    const QJsonObject groups = toJson(*device)[QLatin1String("slot")][QLatin1String("slots")].toObject();
-    const Slot::s_SlotAttr* const attrs[] = {
-        &device->slot.slots.mainControlCardSlots, &device->slot.slots.mixCardSlots,
-        &device->slot.slots.inputCardSlots,       &device->slot.slots.outputCardSlots,
-        &device->slot.slots.mvrCardSlots,         &device->slot.slots.auxCardSlots,
-        &device->slot.slots.expCardSlots};
-    for (int g = 0; g < 7; ++g) {
-        const Slot::s_SlotAttr& a = *attrs[g];
+    for (const LCD::ConfigModel::facts::SlotGroupFacts& group : LCD::ConfigModel::facts::kSlotGroups) {
+        const Slot::s_SlotAttr& a = device->slot.slots.*group.member;
         const QString accepts = joined(a.subcards, [](const Slot::s_Subcard& s) { return num(s.moduleId); });
         for (const Slot::s_Slot& slot : a.slots) {
             const QString inSlot = joined(
@@ -124,13 +107,17 @@ int showDevice(const Tree& tree, const QStringList& args) {
                 },
                 QStringLiteral(", "));
             const int placed = isCurrent ? registry.findSubcardModelId(slot.index) : 0;
-            slots.add({QLatin1String(kSlotGroups[g]), text(a.silkScreenName), num(a.pluginDirection),
+            slots.add({QLatin1String(group.field), text(a.silkScreenName), num(a.pluginDirection),
                        num(a.interfaceType), num(slot.index), accepts,
                        placed ? num(placed) : QStringLiteral("-"), inSlot});
         }
     }
     slots.print(out(), QStringLiteral("\nslots"));
+}
 
+// The screen types with their device modes and templates (the current
+// device's as the host asks for them).
+void deviceScreens(const DeviceConfigInterface& registry, const Devicecfg::s_Device* device, bool isCurrent) {
     Table screens({QStringLiteral("SCREEN TYPE"), QStringLiteral("SPLICE MODE"),
                    QStringLiteral("DEVICE MODE"), QStringLiteral("TEMPLATE"), QStringLiteral("LAYOUTS"),
                    QStringLiteral("LAYER TYPES")});
@@ -159,6 +146,24 @@ int showDevice(const Tree& tree, const QStringList& args) {
         }
     }
     screens.print(out(), QStringLiteral("\nscreen types"));
+}
+
+int showDevice(const Tree& tree, const QStringList& args) {
+    const DeviceConfigInterface& registry = *tree.devices();
+    const int current = registry.curDeviceConfigs().modelId;
+    const int wanted = args.isEmpty() ? current : args.first().toInt();
+    const Devicecfg::s_Device* device = nullptr;
+    for (const Devicecfg::s_Device& d : registry.DeviceConfigs())
+        if (!device && d.modelId == wanted) device = &d;
+    if (!device) {
+        err() << "lcdcfg show: no device model " << (args.isEmpty() ? QStringLiteral("loaded") : args.first())
+              << "\n";
+        return kProblems;
+    }
+    const bool isCurrent = device->modelId == current;
+    deviceNames(registry, device, isCurrent);
+    deviceSlots(registry, device, isCurrent);
+    deviceScreens(registry, device, isCurrent);
 
     Table layers({QStringLiteral("LAYER TYPE"), QStringLiteral("INVERSE"), QStringLiteral("SHADOW"),
                   QStringLiteral("CUT-FILL")});
@@ -170,27 +175,15 @@ int showDevice(const Tree& tree, const QStringList& args) {
 
     Table main({QStringLiteral("FEATURE"), QStringLiteral("SUPPORT/EDIT"), QStringLiteral("VALUE"),
                 QStringLiteral("CHOICES")});
-    features(toJson(f).toObject(), QString(), main);
+    features(toJson(device->feature).toObject(), QString(), main);
     main.print(out(), QStringLiteral("\nfeatures"));
     return kClean;
 }
 
 // ---- show card -----------------------------------------------------------------
 
-int showCard(const Tree& tree, const QStringList& args) {
-    if (args.size() != 1) {
-        err() << "lcdcfg show card: one MODEL expected\n";
-        return kUsage;
-    }
-    SubcardConfigInterface& cards = *tree.cards();
-    const int model = args.first().toInt();
-    const Subcard::s_Subcard* card = nullptr;
-    for (const Subcard::s_Subcard& c : cards.subcardConfig())
-        if (!card && c.modelId == model) card = &c;
-    if (!card) {
-        err() << "lcdcfg show: no card model " << args.first() << "\n";
-        return kProblems;
-    }
+// The card's names, mode, sections and associations.
+void cardAbout(SubcardConfigInterface& cards, const Subcard::s_Subcard* card, int model) {
     Table about({QStringLiteral("FIELD"), QStringLiteral("VALUE")});
     about.add({QStringLiteral("en"), text(card->name.en)});
     about.add({QStringLiteral("zh_CN"), text(card->name.zhCN)});
@@ -202,7 +195,10 @@ int showCard(const Tree& tree, const QStringList& args) {
                    return QStringLiteral("%1 (mode %2)").arg(a.modelId).arg(a.cardMode);
                })});
     about.print(out(), QStringLiteral("card %1").arg(model));
+}
 
+// The connectors and their groups, as the host finds them by position and group.
+void cardConnectors(SubcardConfigInterface& cards, const Subcard::s_Subcard* card, int model) {
     Table connectors({QStringLiteral("POSITION"), QStringLiteral("TYPE"), QStringLiteral("INTERFACE"),
                       QStringLiteral("ENABLE"), QStringLiteral("VISIBLE"), QStringLiteral("CAPACITY"),
                       QStringLiteral("WORK MODE"), QStringLiteral("BACKUP"), QStringLiteral("PRINT KEY"),
@@ -224,7 +220,10 @@ int showCard(const Tree& tree, const QStringList& args) {
     groups.print(out(), QStringLiteral("\nconnector groups (capacity %1 \"%2\")")
                             .arg(card->capacity.value)
                             .arg(text(card->capacity.name)));
+}
 
+// The capacities per device mode, and the connectors each mode enables and copies.
+void cardModes(SubcardConfigInterface& cards, const Subcard::s_Subcard* card, int model) {
     Table capacities({QStringLiteral("DEVICE MODE"), QStringLiteral("CAPACITY"), QStringLiteral("NAME"),
                       QStringLiteral("ENABLE"), QStringLiteral("CONNECTORS (position:group)")});
     for (const Subcard::s_DeviceModeInConnectors& mode : card->connectors.deviceModes)
@@ -258,6 +257,25 @@ int showCard(const Tree& tree, const QStringList& args) {
                        orDash(copies.join(QStringLiteral(", ")))});
         }
     modes.print(out(), QStringLiteral("\nmodes"));
+}
+
+int showCard(const Tree& tree, const QStringList& args) {
+    if (args.size() != 1) {
+        err() << "lcdcfg show card: one MODEL expected\n";
+        return kUsage;
+    }
+    SubcardConfigInterface& cards = *tree.cards();
+    const int model = args.first().toInt();
+    const Subcard::s_Subcard* card = nullptr;
+    for (const Subcard::s_Subcard& c : cards.subcardConfig())
+        if (!card && c.modelId == model) card = &c;
+    if (!card) {
+        err() << "lcdcfg show: no card model " << args.first() << "\n";
+        return kProblems;
+    }
+    cardAbout(cards, card, model);
+    cardConnectors(cards, card, model);
+    cardModes(cards, card, model);
 
     Table types(
         {QStringLiteral("CONNECTOR TYPE"), QStringLiteral("INTERFACE"), QStringLiteral("THUMBNAIL TIMINGS")});
@@ -288,20 +306,10 @@ QString enumSet(const Connector::s_ConnectorEnumSet& e) {
            QStringLiteral(" (%1)").arg(e.value);
 }
 
-int showConnector(const Tree& tree, const QStringList& args, int onlyInterface, int onlyMode) {
-    if (args.size() != 1) {
-        err() << "lcdcfg show connector: one TYPE expected\n";
-        return kUsage;
-    }
-    const ConnectorConfigInterface& c = *tree.connectors();
-    const int type = args.first().toInt();
-    if (!c.findEDIDInfo(type)) {
-        err() << "lcdcfg show: no connector type " << args.first() << "\n";
-        return kProblems;
-    }
-    const QJsonObject dumped =
-        dumpPart(tree, Part::Connectors).toArray().at(connectorTypes(c).indexOf(type)).toObject();
-
+// The capacity modes of each interface (those chosen), with their default
+// timing and ranges; returns the (interface, mode) pairs printed.
+QVector<QPair<int, int>> connectorModes(const ConnectorConfigInterface& c, int type,
+                                        const QJsonObject& dumped, int onlyInterface, int onlyMode) {
     Table modes({QStringLiteral("INTERFACE"), QStringLiteral("MODE"), QStringLiteral("BANDWIDTH kHz"),
                  QStringLiteral("DEFAULT"), QStringLiteral("WIDTH"), QStringLiteral("HEIGHT"),
                  QStringLiteral("REFRESH Hz"), QStringLiteral("RESOLUTIONS")});
@@ -339,7 +347,12 @@ int showConnector(const Tree& tree, const QStringList& args, int onlyInterface, 
                  num(resolutions.empty() ? listed.size() : resolutions.size())});
         }
     modes.print(out(), QStringLiteral("connector type %1: capacity modes").arg(type));
+    return selected;
+}
 
+// The resolutions of each chosen interface and mode.
+void connectorResolutions(const ConnectorConfigInterface& c, int type,
+                          const QVector<QPair<int, int>>& selected) {
     for (const auto& [interfaceType, mode] : selected) {
         auto list = c.findConnectorResolutions(mode, type, interfaceType);
         const bool sdi = list.empty();
@@ -356,7 +369,10 @@ int showConnector(const Tree& tree, const QStringList& args, int onlyInterface, 
                                      .arg(mode)
                                      .arg(sdi ? "listed " : ""));
     }
+}
 
+// The refresh rates of each preset timing.
+void connectorRates(const ConnectorConfigInterface& c, int type, const QJsonObject& dumped) {
     Table rates({QStringLiteral("TIMING"), QStringLiteral("REFRESH Hz"), QStringLiteral("DEFAULT"),
                  QStringLiteral("INTERLACED"), QStringLiteral("BANDWIDTH")});
     for (const QJsonValue& t : dumped[QLatin1String("presetTimings")].toArray()) {
@@ -370,7 +386,10 @@ int showConnector(const Tree& tree, const QStringList& args, int onlyInterface, 
                    QStringLiteral("%1-%2").arg(p.bandWidth.min).arg(p.bandWidth.max)});
     }
     rates.print(out(), QStringLiteral("\nrefresh rates"));
+}
 
+// HDCP, EDID, colour and range options, per interface where they have one.
+void connectorOptions(const ConnectorConfigInterface& c, int type) {
     Table options({QStringLiteral("OPTION"), QStringLiteral("INTERFACE"), QStringLiteral("SUPPORT/EDIT"),
                    QStringLiteral("CHOICES (default)")});
     const Connector::s_ConnectorHDCP hdcp = c.findConnectorHDCP(type);
@@ -409,6 +428,24 @@ int showConnector(const Tree& tree, const QStringList& args, int onlyInterface, 
         options.add(
             {QStringLiteral("HDR"), QStringLiteral("-"), pair(hdr->support, hdr->editable), QString()});
     options.print(out(), QStringLiteral("\noptions"));
+}
+
+int showConnector(const Tree& tree, const QStringList& args, int onlyInterface, int onlyMode) {
+    if (args.size() != 1) {
+        err() << "lcdcfg show connector: one TYPE expected\n";
+        return kUsage;
+    }
+    const ConnectorConfigInterface& c = *tree.connectors();
+    const int type = args.first().toInt();
+    if (!c.findEDIDInfo(type)) {
+        err() << "lcdcfg show: no connector type " << args.first() << "\n";
+        return kProblems;
+    }
+    const QJsonObject dumped =
+        dumpPart(tree, Part::Connectors).toArray().at(connectorTypes(c).indexOf(type)).toObject();
+    connectorResolutions(c, type, connectorModes(c, type, dumped, onlyInterface, onlyMode));
+    connectorRates(c, type, dumped);
+    connectorOptions(c, type);
     return kClean;
 }
 

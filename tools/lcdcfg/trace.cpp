@@ -1,46 +1,15 @@
+// The recording observer: what the library tells as it reads, kept per
+// document and per element.
+
 #include "tools/lcdcfg/trace.h"
 
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
 
-#include "tools/lcdcfg/tree.h"
-
 namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
-namespace facts = LCD::ConfigModel::facts;
-
-namespace {
-int editDistance(const QString& a, const QString& b) {
-    const QString x = a.toLower();
-    const QString y = b.toLower();
-    QVector<int> row(y.size() + 1);
-    for (int j = 0; j <= y.size(); ++j)
-        row[j] = j;
-    for (int i = 1; i <= x.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = i;
-        for (int j = 1; j <= y.size(); ++j) {
-            const int up = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (x[i - 1] == y[j - 1] ? 0 : 1)});
-            diagonal = up;
-        }
-    }
-    return row[y.size()];
-}
-
-QString keyOf(const QString& document, int line, int column) {
-    return QStringLiteral("%1:%2:%3").arg(document).arg(line).arg(column);
-}
-
-// A name a letter or two (for longer names) away from `wanted`, case aside.
-bool near(const QString& name, const QString& wanted) {
-    const int limit = wanted.size() < 5 ? 1 : 2;
-    return name != wanted && editDistance(name, wanted) <= limit;
-}
-
-} // namespace
 
 const AttributeTrace* ElementTrace::read(const QString& name) const {
     for (const AttributeTrace& a : reads)
@@ -61,6 +30,8 @@ const DocumentTrace* Trace::document(const QString& path) const {
 
 void Trace::documentStarted(const QString& path) {
     m_path = path;
+    m_documentNumber = m_documentNumbers.value(path, m_documentNumbers.size());
+    m_documentNumbers.insert(path, m_documentNumber);
     if (m_folderSite >= 0) m_sites[m_folderSite].document = QFileInfo(path).absolutePath();
     m_folderSite = -1;
     DocumentTrace d;
@@ -111,7 +82,7 @@ void Trace::elementMissing(const QDomElement& parent, const char* name) {
     missing.path = elementPath(parent) + QLatin1Char('/') + n;
     for (QDomElement e = parent.firstChildElement(); !e.isNull() && missing.near.isEmpty();
          e = e.nextSiblingElement())
-        if (near(e.tagName(), n)) {
+        if (nearName(e.tagName(), n)) {
             missing.near = e.tagName();
             missing.nearLine = e.lineNumber();
             missing.nearColumn = e.columnNumber();
@@ -119,11 +90,19 @@ void Trace::elementMissing(const QDomElement& parent, const char* name) {
     m_missing.push_back(missing);
 }
 
+// The library names attributes and defaults with literals: one text each.
+const QString& Trace::textOf(const char* literal) {
+    auto it = m_literals.find(literal);
+    if (it == m_literals.end() || *it != QLatin1String(literal)) // a reused buffer is read again
+        it = m_literals.insert(literal, QString::fromUtf8(literal));
+    return *it;
+}
+
 void Trace::attributeRead(const AttributeRead& read) {
-    const QString name = QLatin1String(read.name);
+    const QString& name = textOf(read.name);
     if (ElementTrace* t = record(read.element))
-        t->reads.push_back({name, read.present, read.raw, QString::fromUtf8(read.def), read.kind, read.stored,
-                            read.validNumber});
+        t->reads.push_back(
+            {name, read.present, read.raw, textOf(read.def), read.kind, read.stored, read.validNumber});
     Site& site = siteOf(read.element);
     site.values.insert(name, read.stored);
     if (read.present && !read.validNumber)
@@ -131,11 +110,10 @@ void Trace::attributeRead(const AttributeRead& read) {
     if (!read.present) {
         const QDomNamedNodeMap attributes = read.element.attributes();
         for (int i = 0; i < attributes.count(); ++i)
-            if (near(attributes.item(i).nodeName(), name))
+            if (nearName(attributes.item(i).nodeName(), name))
                 m_nearAttributes.push_back(
                     {m_path, site.line, site.column, name, attributes.item(i).nodeName()});
     }
-    reportRead(read);
 }
 
 void Trace::textRead(const QDomElement& element, ReadKind kind) {
@@ -153,251 +131,40 @@ void Trace::recordStarted(const RecordRead& record) {
         m_folderSite = m_sites.size();
         m_sites.push_back({QString(), QString(), 0, 0, {}});
         m_records.insert(m_place, m_folderSite);
+        m_open << -1;
         return;
     }
     const Site& site = siteOf(record.element);
-    m_records.insert(m_place, int(&site - m_sites.constData()));
+    const int at = int(&site - m_sites.constData());
+    m_records.insert(m_place, at);
+    m_started.push_back({record.kind, at});
+    m_open << at;
+    if (record.kind == RecordKind::Cell) { // every layout cell once, in reading order
+        if (m_seenCells.insert(keyOf(record.element)).second)
+            m_cells.push_back({m_path, site.line, site.column});
+    }
 }
 
 void Trace::recordEnded(RecordKind) {
     m_place.resize(std::max(0, int(m_place.size()) - 3));
-}
-
-const Site* Trace::record(const RecordPath& path) const {
-    QVector<int> place;
-    for (const Step& step : path)
-        place << int(step.kind) << step.index << step.key;
-    const auto it = m_records.constFind(place);
-    return it == m_records.constEnd() || m_sites[*it].document.isEmpty() ? nullptr : &m_sites[*it];
-}
-
-Site& Trace::siteOf(const QDomElement& element) {
-    const QString key = keyOf(m_path, element.lineNumber(), element.columnNumber());
-    auto it = m_index.constFind(key);
-    if (it != m_index.constEnd()) return m_sites[*it];
-    m_index.insert(key, m_sites.size());
-    m_sites.push_back({m_path, element.tagName(), element.lineNumber(), element.columnNumber(), {}});
-    return m_sites.last();
-}
-
-// A layout cell (its connector index read) and the first card model of a card file.
-void Trace::reportRead(const AttributeRead& read) {
-    const QDomElement& e = read.element;
-    if (qstrcmp(read.name, "ConnectorIndex") == 0 && e.parentNode().parentNode().nodeName() == "Layouts") {
-        const QString key = keyOf(m_path, e.lineNumber(), e.columnNumber());
-        if (m_seenCells.contains(key)) return;
-        m_seenCells.insert(key);
-        m_cells.push_back({m_path, e.lineNumber(), e.columnNumber()});
-    } else if (qstrcmp(read.name, "ModelId") == 0 && e.tagName() == QLatin1String("Subcard") &&
-               !m_cardDocs.contains(m_path)) {
-        m_cardDocs.insert(m_path, read.stored.toInt());
-    }
+    if (!m_open.isEmpty()) m_open.removeLast();
 }
 
 // The names of a connector description.
 void Trace::reportText(const QDomElement& element) {
-    const QDomElement names = element.parentNode().toElement();
-    const QDomElement connector = names.parentNode().toElement();
-    if (connector.tagName() != QLatin1String("Connector") ||
-        connector.parentNode().nodeName() != QLatin1String("Connectors"))
+    if (m_place.size() < 3 || RecordKind(m_place[m_place.size() - 3]) != RecordKind::ConnectorDescription)
         return;
+    const Site& connector = m_sites[m_open.last()];
+    const QDomElement names = element.parentNode().toElement();
+    if (positionOf(names.parentNode().toElement()) != Position{connector.line, connector.column})
+        return; // not the description's own names
     const bool shortName = names.tagName() == QLatin1String("ShortName");
     if (!shortName && names.tagName() != QLatin1String("Name")) return;
-    const int type = connector.attribute(QStringLiteral("Type")).toInt();
-    if (!m_connectorDocs.contains(m_path)) m_connectorDocs.insert(m_path, type);
-    ConnectorNames& n = m_names[type];
+    ConnectorNames& n = m_names[connector.values.value(QStringLiteral("Type")).toInt()];
     const bool english = element.tagName() == QLatin1String("en");
     if (!english && element.tagName() != QLatin1String("zh_CN")) return;
     QString& slot = shortName ? (english ? n.shortEn : n.shortZhCN) : (english ? n.en : n.zhCN);
     if (slot.isEmpty()) slot = element.text().trimmed();
-}
-
-const Site* Trace::siteAt(const QString& document, int line, int column) const {
-    auto it = m_index.constFind(keyOf(document, line, column));
-    return it == m_index.constEnd() ? nullptr : &m_sites[*it];
-}
-
-QVector<const Site*> Trace::find(const std::function<bool(const QString&)>& document, const QString& tag,
-                                 Match values) const {
-    QVector<const Site*> hits;
-    for (const Site& site : m_sites) {
-        if ((!tag.isEmpty() && site.tag != tag) || !document(site.document)) continue;
-        bool all = true;
-        for (const auto& value : values)
-            all = all && site.values.value(QLatin1String(value.first)) == value.second &&
-                  site.values.contains(QLatin1String(value.first));
-        if (all) hits << &site;
-    }
-    return hits;
-}
-
-const Missing* Trace::lastMissing(const QString& document, const QString& name) const {
-    for (auto it = m_missing.rbegin(); it != m_missing.rend(); ++it)
-        if (it->document == document && it->name == name) return &*it;
-    return nullptr;
-}
-
-bool Trace::found(const QString& document, int line, int column) const {
-    for (const DocumentTrace& d : m_documents) {
-        if (d.path != document) continue;
-        const auto it = d.elements.constFind({line, column});
-        if (it != d.elements.constEnd() && it->found) return true;
-    }
-    return false;
-}
-
-QString elementPath(const QDomElement& e) {
-    QStringList tags;
-    for (QDomNode n = e; n.isElement(); n = n.parentNode())
-        tags.prepend(n.toElement().tagName());
-    return tags.join(QLatin1Char('/'));
-}
-
-namespace {
-void addOnce(QStringList& list, const QString& name) {
-    if (!list.contains(name)) list << name;
-}
-} // namespace
-
-void Vocabulary::add(const Trace& trace) {
-    for (const DocumentTrace& d : trace.documents()) {
-        forEachElement(d.document, [&](const QDomElement& e) {
-            const ElementTrace* t = d.at(e);
-            if (!t) return;
-            const QString path = elementPath(e);
-            if (t->found && e.parentNode().isElement())
-                addOnce(children[elementPath(e.parentNode().toElement())], e.tagName());
-            for (const QString& name : t->missing)
-                addOnce(children[path], name);
-            for (const AttributeTrace& a : t->reads)
-                addOnce(attributes[path], a.name);
-        });
-    }
-}
-
-QString closest(const QString& name, const QStringList& names) {
-    QString best;
-    int bestDistance = std::max(2, int(name.size()) / 3) + 1;
-    for (const QString& candidate : names) {
-        if (candidate == name) continue;
-        const int d = editDistance(name, candidate);
-        if (d < bestDistance) {
-            best = candidate;
-            bestDistance = d;
-        }
-    }
-    return best;
-}
-
-namespace {
-
-struct PatternStep {
-    QString name; // "*" for any
-    QVector<QPair<QString, QString>> conditions;
-};
-
-QVector<PatternStep> parsePattern(QString pattern, bool* anchored) {
-    *anchored = pattern.startsWith(QLatin1Char('/'));
-    if (*anchored) pattern.remove(0, 1);
-    QVector<PatternStep> steps;
-    for (const QString& text : pattern.split(QLatin1Char('/'))) {
-        PatternStep step;
-        const int bracket = text.indexOf(QLatin1Char('['));
-        step.name = bracket < 0 ? text : text.left(bracket);
-        if (bracket >= 0) {
-            for (QString c : text.mid(bracket + 1).split(QLatin1Char('['))) {
-                c.chop(1); // "]"
-                const int eq = c.indexOf(QLatin1Char('='));
-                step.conditions.push_back({c.left(eq), c.mid(eq + 1)});
-            }
-        }
-        steps.push_back(step);
-    }
-    return steps;
-}
-
-bool sameValue(const QString& a, const QString& b) {
-    bool okA = false;
-    bool okB = false;
-    const qlonglong x = a.trimmed().toLongLong(&okA);
-    const qlonglong y = b.trimmed().toLongLong(&okB);
-    return okA && okB ? x == y : a == b;
-}
-
-bool matches(QDomElement e, const QVector<PatternStep>& steps, bool anchored) {
-    for (int i = steps.size() - 1; i >= 0; --i, e = e.parentNode().toElement()) {
-        if (e.isNull()) return false;
-        const PatternStep& step = steps[i];
-        if (step.name != QLatin1String("*") && step.name != e.tagName()) return false;
-        for (const auto& c : step.conditions)
-            if (!e.hasAttribute(c.first) || !sameValue(e.attribute(c.first), c.second)) return false;
-    }
-    return !anchored || e.isNull();
-}
-
-const DocumentTrace* documentOf(const Trace& trace, const QDomElement& e) {
-    const QDomDocument owner = e.ownerDocument();
-    for (const DocumentTrace& d : trace.documents())
-        if (d.document == owner) return &d;
-    return nullptr;
-}
-
-} // namespace
-
-QVector<QDomElement> findElements(const Tree& tree, const Trace& trace, const QString& under,
-                                  const QString& pattern) {
-    bool anchored = false;
-    const QVector<PatternStep> steps = parsePattern(pattern, &anchored);
-    QVector<QDomElement> found;
-    for (const DocumentTrace& d : trace.documents()) {
-        if (!d.ok || !d.rejected.isEmpty() || !tree.relative(d.path).startsWith(under)) continue;
-        forEachElement(d.document, [&](const QDomElement& e) {
-            if (matches(e, steps, anchored)) found << e;
-        });
-    }
-    return found;
-}
-
-QDomElement findElement(const Tree& tree, const Trace& trace, const QString& under, const QString& pattern) {
-    return findElements(tree, trace, under, pattern).value(0);
-}
-
-QString sourceOf(const Tree& tree, const Trace& trace, const QDomElement& e, const QString& attribute) {
-    if (e.isNull()) return QStringLiteral("-");
-    const DocumentTrace* d = documentOf(trace, e);
-    const ElementTrace* t = d ? d->at(e) : nullptr;
-    const AttributeTrace* read = t ? t->read(attribute) : nullptr;
-    if (!read) return QStringLiteral("not read");
-    if (!read->present) return QStringLiteral("default");
-    return QStringLiteral("%1:%2").arg(tree.relative(d->path)).arg(e.lineNumber());
-}
-
-QString documentKind(const Tree& tree, const DocumentTrace& document) {
-    for (const PartLoad& load : tree.loads()) {
-        if (!load.documents.contains(document.path)) continue;
-        const QString name = QFileInfo(document.path).fileName();
-        switch (load.part) {
-        case Part::Devices: {
-            const char* kind = facts::fileKindName(facts::fileKind(name));
-            return *kind ? QStringLiteral("device-") + QLatin1String(kind) : QString();
-        }
-        case Part::Cards:
-            return QStringLiteral("subcard");
-        case Part::Connectors:
-            return QLatin1String(
-                facts::connectorFileKind(document.document.documentElement().firstChildElement().tagName()));
-        case Part::Menu:
-            return document.path == load.inputs.value(0) ? QStringLiteral("menu-items")
-                                                         : QStringLiteral("menu-tree");
-        case Part::Hdr:
-            return QStringLiteral("hdr-options");
-        case Part::Keys:
-            return QStringLiteral("key-check");
-        case Part::PrintKeys:
-            return QStringLiteral("print-keys");
-        }
-    }
-    return QString();
 }
 
 } // namespace lcdcfg

@@ -19,6 +19,8 @@
 
 #include <functional>
 #include <initializer_list>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "common/loadobserver.h"
@@ -162,15 +164,20 @@ public:
     const Missing* lastMissing(const QString& document, const QString& name) const;
     // Whether a reader reached the element at this place.
     bool found(const QString& document, int line, int column) const;
+    // Whether a reader took anything from `document` (a record, a value).
+    bool readFrom(const QString& document) const { return m_documentsRead.contains(document); }
     // The element the record at `path` was read from, as the library told it
     // (a model's is its folder, at line 0); null when no record was read there.
     const Site* record(const RecordPath& path) const;
+    // The element of every record of `kind` the library started, in reading
+    // order, kept or not (a rejected card too).
+    QVector<const Site*> records(LCD::ConfigModel::RecordKind kind) const;
 
     // -- what report draws that the records do not carry
     const QVector<Place>& cells() const { return m_cells; } // every layout cell, in reading order
-    const QHash<int, ConnectorNames>& connectorNames() const { return m_names; }      // by connector type
-    const QHash<QString, int>& connectorDocuments() const { return m_connectorDocs; } // document -> type
-    const QHash<QString, int>& cardDocuments() const { return m_cardDocs; } // document -> first card model
+    const QHash<int, ConnectorNames>& connectorNames() const { return m_names; } // by connector type
+    QHash<QString, int> connectorDocuments() const; // document -> type of its first description
+    QHash<QString, int> cardDocuments() const;      // document -> model of its first card
 
     void documentStarted(const QString& path) override;
     void documentParsed(const LCD::ConfigModel::DocumentRead& read) override;
@@ -185,25 +192,48 @@ public:
 private:
     ElementTrace* record(const QDomElement& e);
     Site& siteOf(const QDomElement& element);
-    void reportRead(const LCD::ConfigModel::AttributeRead& read);
     void reportText(const QDomElement& element);
+    const QString& textOf(const char* literal);
+    // The first record of `kind` per document, with the value `id` it read.
+    QHash<QString, int> firstIds(LCD::ConfigModel::RecordKind kind, const QString& id) const;
+
+    // An element of a document: the document's number, the element's line and column.
+    struct ElementKey {
+        int document, line, column;
+        bool operator==(const ElementKey& o) const {
+            return document == o.document && line == o.line && column == o.column;
+        }
+    };
+    struct KeyHash {
+        std::size_t operator()(const ElementKey& k) const {
+            return std::hash<quint64>()(quint64(quint32(k.line)) << 32 | quint32(k.column)) ^
+                   std::size_t(k.document) * 0x9E3779B97F4A7C15ull;
+        }
+    };
+    ElementKey keyOf(const QDomElement& e) const {
+        return {m_documentNumber, e.lineNumber(), e.columnNumber()};
+    }
 
     QVector<DocumentTrace> m_documents;
     QString m_path; // the current document
+    int m_documentNumber = -1;
+    QHash<QString, int> m_documentNumbers; // path -> number
+    QSet<QString> m_documentsRead;
+    QHash<const char*, QString> m_literals; // textOf()
     QVector<Site> m_sites;
-    QHash<QString, int> m_index; // "document:line:column" to its site
+    std::unordered_map<ElementKey, int, KeyHash> m_index; // element to its site
     QVector<Missing> m_missing;
     QVector<DocumentFailure> m_failures;
     QVector<BadNumber> m_badNumbers;
     QVector<NearAttribute> m_nearAttributes;
     QVector<Place> m_cells;
-    QSet<QString> m_seenCells;
+    std::unordered_set<ElementKey, KeyHash> m_seenCells;
     QHash<int, ConnectorNames> m_names;
-    QHash<QString, int> m_connectorDocs;
-    QHash<QString, int> m_cardDocs;
     QVector<int> m_place;               // the records being read: kind, index, key each
+    QVector<int> m_open;                // their sites (-1 for a model)
     QHash<QVector<int>, int> m_records; // a record's place to its site
-    int m_folderSite = -1;              // a model whose folder is not known yet
+    QVector<QPair<LCD::ConfigModel::RecordKind, int>> m_started; // every record read: its kind and site
+    int m_folderSite = -1;                                       // a model whose folder is not known yet
 };
 
 // The key of an element in a document trace.
@@ -237,6 +267,10 @@ struct Vocabulary {
 // The closest of `names` to `name` (case-insensitive edit distance), when it
 // is near enough to be a misspelling of it; empty otherwise.
 QString closest(const QString& name, const QStringList& names);
+// The case-insensitive edit distance of two names.
+int editDistance(const QString& a, const QString& b);
+// A name a letter or two (for longer names) away from `wanted`, case aside.
+bool nearName(const QString& name, const QString& wanted);
 
 // ---- where a value came from ----------------------------------------------
 

@@ -114,16 +114,23 @@ const PartLoad* Tree::loadOf(Part part) const {
     return nullptr;
 }
 
-QString Tree::failure(Part part) const {
+Tree::Stop Tree::stop(Part part) const {
     const PartLoad* load = loadOf(part);
-    if (!load) return QString();
-    if (!load->missing.isEmpty()) return QStringLiteral("%1: no such directory").arg(relative(load->missing));
-    if (load->ok && load->error.isEmpty()) return QString();
+    if (!load) return {};
+    if (!load->missing.isEmpty()) return {relative(load->missing), -1, QStringLiteral("no such directory")};
+    if (load->ok && load->error.isEmpty()) return {};
     for (const Diagnostic& d : load->diagnostics) // the first file that failed, else the loader's text
         if (d.kind != DiagnosticKind::ElementMissing || d.text == load->error)
-            return QStringLiteral("%1:%2: %3").arg(relative(d.document)).arg(d.line).arg(d.text);
-    return QStringLiteral("%1: %2").arg(
-        relative(load->documents.isEmpty() ? load->inputs.first() : load->documents.last()), load->error);
+            return {relative(d.document), d.line, d.text};
+    return {relative(load->documents.isEmpty() ? load->inputs.first() : load->documents.last()), -1,
+            load->error};
+}
+
+QString Tree::failure(Part part) const {
+    const Stop s = stop(part);
+    if (s.isNull()) return QString();
+    return s.line < 0 ? QStringLiteral("%1: %2").arg(s.file, s.problem)
+                      : QStringLiteral("%1:%2: %3").arg(s.file).arg(s.line).arg(s.problem);
 }
 
 QString Tree::failures() const {

@@ -72,9 +72,18 @@ public:
     QString relative(const QString& path) const; // to the root, for messages
     const QVector<PartLoad>& loads() const { return m_loads; }
     const PartLoad* loadOf(Part part) const;
-    // Why a part cannot answer in full: "FILE: TEXT" of the first file whose
-    // load failed (the missing input, or the loader's error), empty when the
-    // part loaded every file.
+    // Where a part's load stopped: the first file whose load failed (the
+    // missing input, or the loader's error) and its problem; an empty file
+    // when the part loaded every file.
+    struct Stop {
+        QString file;  // relative to the root
+        int line = -1; // the diagnostic's line (0: none known); -1 for the file as a whole
+        QString problem;
+        bool isNull() const { return file.isEmpty() && problem.isEmpty(); }
+    };
+    Stop stop(Part part) const;
+    // Why a part cannot answer in full: stop() as "FILE: TEXT" (or
+    // "FILE:LINE: TEXT"), empty when the part loaded every file.
     QString failure(Part part) const;
     // failure() of every part that has one, one per line ("cards: FILE: TEXT").
     QString failures() const;
