@@ -7,6 +7,7 @@
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/layout.h"
+#include "tools/lcdcfg/rulebook.h"
 
 namespace lcdcfg {
 
@@ -431,6 +432,22 @@ const Rule kRules[] = {
     {"file-unread", Severity::Error, fileUnread},
     {"number-invalid", Severity::Error, numberInvalid},
     {"model-dir-empty", Severity::Warning, modelDirEmpty},
+    {"range-inverted", Severity::Error, rangeInverted},
+    {"value-out-of-range", Severity::Error, valueOutOfRange},
+    {"size-not-positive", Severity::Error, sizeNotPositive},
+    {"field-overflow", Severity::Error, fieldOverflow},
+    {"slot-duplicate", Severity::Error, slotDuplicate},
+    {"screen-type-duplicate", Severity::Error, screenTypeDuplicate},
+    {"hdr-value-duplicate", Severity::Error, hdrValueDuplicate},
+    {"name-missing-*", Severity::Error, templateNameMissing},
+    {"model-dir-unnamed", Severity::Error, modelDirUnnamed},
+    {"model-file-missing", Severity::Error, modelFileMissing},
+    {"file-misplaced", Severity::Error, fileMisplaced},
+    {"file-kind-ambiguous", Severity::Error, fileKindAmbiguous},
+    {"encoding-mismatch", Severity::Error, encodingMismatch},
+    {"text-undecodable", Severity::Error, textUndecodable},
+    {"entity-unknown", Severity::Error, entityUnknown},
+    {"element-unclosed", Severity::Error, elementUnclosed},
 };
 
 } // namespace

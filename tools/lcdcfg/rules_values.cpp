@@ -1,0 +1,238 @@
+// Rules on the values the readers stored: ranges and field widths, ids given
+// twice where only one counts, and the names the host shows.
+
+#include <QtCore/QHash>
+
+#include "tools/lcdcfg/rulebook.h"
+
+namespace lcdcfg {
+
+using namespace LCD::ConfigModel;
+namespace facts = LCD::ConfigModel::facts;
+using K = RecordKind;
+
+const AttributeTrace* readOf(const Trace& trace, const Site* site, const QString& name) {
+    const DocumentTrace* document = site ? trace.document(site->document) : nullptr;
+    const auto it = document ? document->elements.constFind({site->line, site->column})
+                             : QHash<Position, ElementTrace>::const_iterator();
+    return document && it != document->elements.constEnd() ? it->read(name) : nullptr;
+}
+
+namespace {
+
+// Calls `f(site, element)` for every element a reader read attributes of.
+template <class F> void forEachRead(const RuleRun& run, F&& f) {
+    for (const DocumentTrace& document : run.trace.documents())
+        for (auto it = document.elements.cbegin(); it != document.elements.cend(); ++it)
+            if (!it->reads.isEmpty())
+                if (const Site* site = run.trace.siteAt(document.path, it.key().first, it.key().second))
+                    f(site, *it);
+}
+
+// A bound or value the file states, as stored; null when the file leaves it to the default.
+const AttributeTrace* stated(const ElementTrace& e, const char* name) {
+    const AttributeTrace* a = e.read(QLatin1String(name));
+    return a && a->present && a->validNumber ? a : nullptr;
+}
+
+} // namespace
+
+// ---- ranges and field widths ------------------------------------------------
+
+void rangeInverted(RuleRun& run) {
+    forEachRead(run, [&](const Site* site, const ElementTrace& e) {
+        const AttributeTrace* min = stated(e, "Min");
+        const AttributeTrace* max = stated(e, "Max");
+        if (min && max && min->stored.toDouble() > max->stored.toDouble())
+            run.report(site, QString(),
+                       QStringLiteral("Min %1 is above Max %2: no value fits").arg(min->stored, max->stored));
+    });
+}
+
+void valueOutOfRange(RuleRun& run) {
+    forEachRead(run, [&](const Site* site, const ElementTrace& e) {
+        const AttributeTrace* value = stated(e, "Value");
+        const AttributeTrace* min = e.read(QStringLiteral("Min"));
+        const AttributeTrace* max = e.read(QStringLiteral("Max"));
+        if (!value || !min || !max || (!min->present && !max->present)) return;
+        const bool text = value->kind == ReadKind::Text; // its length is bounded
+        const double v = text ? value->stored.size() : value->stored.toDouble();
+        if (min->stored.toDouble() <= max->stored.toDouble() &&
+            (v < min->stored.toDouble() || v > max->stored.toDouble()))
+            run.report(site, QString(),
+                       QStringLiteral("Value %1%2 is outside Min..Max (%3..%4)")
+                           .arg(text ? QStringLiteral("\"%1\" of length ").arg(value->stored) : QString())
+                           .arg(v)
+                           .arg(min->stored, max->stored));
+    });
+}
+
+// Resolutions and sizes; a layout cell's area is judged with its layout (layout-empty-cell).
+void sizeNotPositive(RuleRun& run) {
+    QSet<QString> cells;
+    for (const Place& cell : run.trace.cells())
+        cells.insert(QStringLiteral("%1:%2:%3").arg(cell.document).arg(cell.line).arg(cell.column));
+    forEachRead(run, [&](const Site* site, const ElementTrace& e) {
+        const AttributeTrace* width = stated(e, "Width");
+        const AttributeTrace* height = stated(e, "Height");
+        if (!width || !height || width->kind != ReadKind::Int ||
+            cells.contains(QStringLiteral("%1:%2:%3").arg(site->document).arg(site->line).arg(site->column)))
+            return;
+        if (width->stored.toInt() <= 0 || height->stored.toInt() <= 0)
+            run.report(site, QString(),
+                       QStringLiteral("a size of %1 x %2 has no area").arg(width->stored, height->stored));
+    });
+}
+
+// Numbers kept in 16-bit fields: the host keeps what fits.
+void fieldOverflow(RuleRun& run) {
+    auto check = [&](const Site* site, const char* name, qint64 kept) {
+        const AttributeTrace* a = readOf(run.trace, site, QLatin1String(name));
+        if (!a || !a->present || !a->validNumber) return; // number-invalid tells it
+        bool ok = false;
+        const qint64 written = a->raw.trimmed().toLongLong(&ok);
+        if (ok && written == kept) return;
+        run.report(site, QString(),
+                   QStringLiteral("%1=\"%2\" is not a count from 0 to 65535: stored as %3")
+                       .arg(QLatin1String(name), a->raw)
+                       .arg(kept));
+    };
+    int position = 0;
+    if (run.tree.cards())
+        for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig())
+            check(run.trace.record({{K::Card, position++}}), "InterlacedMaxCount", card.interlacedMaxCount);
+    int m = 0;
+    if (run.tree.devices())
+        for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+            const QString folder = run.modelFolder(m++);
+            for (const Site* site : run.trace.find(run.under(folder), QString(), {})) {
+                const AttributeTrace* a = readOf(run.trace, site, QStringLiteral("ModuleId"));
+                if (!a || a->kind != ReadKind::UInt) continue; // the feature file's
+                check(site, "ModuleId", device.feature.moduleId);
+                check(site, "ConnectorPluginMode", device.feature.connectorPluginMode);
+            }
+        }
+}
+
+// ---- duplicates -------------------------------------------------------------
+
+namespace {
+
+// Reports `later` as a repetition of `first` (both sites of records).
+void repeated(RuleRun& run, const Site* first, const Site* later, const QString& fallback,
+              const QString& what, const QString& consequence) {
+    run.report(later, fallback,
+               QStringLiteral("%1 is already given at line %2: %3")
+                   .arg(what)
+                   .arg(first ? first->line : 0)
+                   .arg(consequence),
+               first);
+}
+
+} // namespace
+
+void slotDuplicate(RuleRun& run) {
+    if (!run.tree.devices()) return;
+    int m = 0;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const Step model{K::Model, m++};
+        QHash<int, RecordPath> first;
+        for (int g = 0; g < int(facts::kSlotGroups.size()); ++g) {
+            const Slot::s_SlotAttr& attr = device.slot.slots.*facts::kSlotGroups[size_t(g)].member;
+            for (int s = 0; s < int(attr.slots.size()); ++s) {
+                const RecordPath at{model, {K::SlotGroup, g}, {K::Slot, s}};
+                const int index = attr.slots[size_t(s)].index;
+                if (!first.contains(index)) {
+                    first.insert(index, at);
+                    continue;
+                }
+                const int earlier = first.value(index)[1].index;
+                repeated(run, run.trace.record(first.value(index)), run.trace.record(at),
+                         run.modelFolder(model.index), QStringLiteral("slot %1").arg(index),
+                         QStringLiteral("the host finds the slot in %1 only")
+                             .arg(QLatin1String(facts::kSlotGroups[size_t(earlier)].element)));
+            }
+        }
+    }
+}
+
+void screenTypeDuplicate(RuleRun& run) {
+    if (!run.tree.devices()) return;
+    int m = 0;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const Step model{K::Model, m++};
+        QHash<int, int> first;
+        for (int s = 0; s < device.screens.size(); ++s) {
+            const int type = device.screens[s].type;
+            if (!first.contains(type)) {
+                first.insert(type, s);
+                continue;
+            }
+            const Site* earlier = run.trace.record({model, {K::Screen, first.value(type)}});
+            run.report(run.trace.record({model, {K::Screen, s}}), run.modelFolder(model.index),
+                       QStringLiteral("screen type %1 is already described in %2: the host uses that one")
+                           .arg(type)
+                           .arg(earlier ? run.tree.relative(earlier->document) : QString()),
+                       earlier);
+        }
+    }
+}
+
+void hdrValueDuplicate(RuleRun& run) {
+    IHDRConfig* hdr = run.tree.hdr();
+    const PartLoad* load = run.tree.loadOf(Part::Hdr);
+    if (!hdr || !load) return;
+    const int configTypes[2] = {HDRInputConfig, HDROutputConfig};
+    for (int i = 0; i < 2; ++i)
+        for (int type = HDRBitDepth; type <= HDRColorGamut; ++type)
+            for (int value = 0; value <= HDRAutoValue; ++value)
+                for (const auto& dependent : hdr->getCanSelectedValues(HDRKey{type, value}, configTypes[i])) {
+                    const RecordPath key{
+                        {K::HdrTable, i}, {K::HdrKey, type, value}, {K::HdrSetting, dependent.first}};
+                    QHash<int, int> first;
+                    int position = 0;
+                    for (int v : dependent.second) {
+                        const int n = position++;
+                        if (!first.contains(v)) {
+                            first.insert(v, n);
+                            continue;
+                        }
+                        repeated(run, run.trace.record(key + RecordPath{{K::HdrValue, first.value(v)}}),
+                                 run.trace.record(key + RecordPath{{K::HdrValue, n}}), load->inputs[i],
+                                 QStringLiteral("value %1").arg(v),
+                                 QStringLiteral("the host offers it twice"));
+                    }
+                }
+}
+
+// ---- names the host shows ---------------------------------------------------
+
+void templateNameMissing(RuleRun& run) {
+    if (!run.tree.devices()) return;
+    int m = 0;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const Step model{K::Model, m++};
+        for (int s = 0; s < device.screens.size(); ++s)
+            for (size_t d = 0; d < device.screens[s].deviceModes.size(); ++d) {
+                const Screen::s_DeviceMode& mode = device.screens[s].deviceModes[d];
+                for (size_t t = 0; t < mode.templetes.size(); ++t) {
+                    const Screen::s_Name& name = mode.templetes[t].name;
+                    const Site* at = run.trace.record(
+                        {model, {K::Screen, s}, {K::DeviceMode, int(d)}, {K::Templete, int(t)}});
+                    for (const bool english : {true, false})
+                        if ((english ? name.en : name.zhCN).empty())
+                            run.report(
+                                at, run.modelFolder(model.index),
+                                QStringLiteral("template %1 of device mode %2 has no %3 name")
+                                    .arg(t + 1)
+                                    .arg(mode.value)
+                                    .arg(english ? QStringLiteral("English") : QStringLiteral("Chinese")),
+                                english ? QStringLiteral("name-missing-en")
+                                        : QStringLiteral("name-missing-zh"),
+                                Severity::Error);
+                }
+            }
+    }
+}
+
+} // namespace lcdcfg
