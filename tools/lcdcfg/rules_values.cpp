@@ -105,6 +105,7 @@ void fieldOverflow(RuleRun& run) {
     if (run.tree.devices())
         for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
             const QString folder = run.modelFolder(m++);
+            if (folder.isEmpty()) continue; // no file of the model was read
             for (const Site* site : run.trace.find(run.under(folder), QString(), {})) {
                 const AttributeTrace* a = readOf(run.trace, site, QStringLiteral("ModuleId"));
                 if (!a || a->kind != ReadKind::UInt) continue; // the feature file's
@@ -142,6 +143,8 @@ void slotDuplicate(RuleRun& run) {
             for (int s = 0; s < int(attr.slots.size()); ++s) {
                 const RecordPath at{model, {K::SlotGroup, g}, {K::Slot, s}};
                 const int index = attr.slots[size_t(s)].index;
+                const AttributeTrace* read = readOf(run.trace, run.trace.record(at), QStringLiteral("Index"));
+                if (read && !read->validNumber) continue; // number-invalid tells it
                 if (!first.contains(index)) {
                     first.insert(index, at);
                     continue;
