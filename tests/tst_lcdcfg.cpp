@@ -208,6 +208,9 @@ private Q_SLOTS:
             {"device/29974/29974_feature.xml:16:element-unclosed",
              "device/29974/29974_feature.xml:252:parse"},
             1);
+        row("accepted cards after the first slot", slot, "<Slot Index=\"8\"/>",
+            "<Slot Index=\"8\"/><Subcards><Subcard ModuleId=\"3101\"/></Subcards>",
+            {slot + ":33:element-read-as"}, 1);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 

@@ -448,6 +448,7 @@ const Rule kRules[] = {
     {"text-undecodable", Severity::Error, textUndecodable},
     {"entity-unknown", Severity::Error, entityUnknown},
     {"element-unclosed", Severity::Error, elementUnclosed},
+    {"element-read-as", Severity::Error, elementReadAs},
 };
 
 } // namespace
