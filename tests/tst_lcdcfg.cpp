@@ -210,7 +210,7 @@ private Q_SLOTS:
             1);
         row("accepted cards after the first slot", slot, "<Slot Index=\"8\"/>",
             "<Slot Index=\"8\"/><Subcards><Subcard ModuleId=\"3101\"/></Subcards>",
-            {slot + ":33:element-read-as"}, 1);
+            {slot + ":35:element-read-as"}, 1);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 
