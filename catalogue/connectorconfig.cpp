@@ -46,18 +46,18 @@ s_resolutionResolutionRatio readTableResolution(const QDomElement& e) {
 }
 
 s_ResoluCapacityMode readTableCapacityMode(const QDomElement& e) {
-    return {intAttr(e, "Value"), readEachChild(e, readTableResolution)};
+    return {intAttr(e, "Value"), readEachChild(e, RecordKind::TableResolution, readTableResolution)};
 }
 
 s_ConnectorInterface readTableInterface(const QDomElement& e) {
     auto in = readAs<s_ConnectorInterface>(e, {{"Support", ""}, {"Editable", ""}, {"Type", ""}});
     if (const QDomElement modes = child(e); isNamed(modes, "ResolutionRatios")) // else no capacity modes
-        in.capacityModes = readEachChild(modes, readTableCapacityMode);
+        in.capacityModes = readEachChild(modes, RecordKind::TableMode, readTableCapacityMode);
     return in;
 }
 
 s_Connector readTableConnector(const QDomElement& e) {
-    return {intAttr(e, "Type"), readEachChild(e, readTableInterface)};
+    return {intAttr(e, "Type"), readEachChild(e, RecordKind::TableInterface, readTableInterface)};
 }
 
 // ---- the connector description -------------------------------------------------
@@ -132,20 +132,21 @@ void readCapacityMode(Section& s, const QDomElement& e, s_CapacityModeInInterfac
     readAdvancedAxis(child(adv, "Horizontal"), mode.advResolutionRatio.horizontal);
     readAdvancedAxis(child(adv, "Vertical"), mode.advResolutionRatio.vertical);
 
-    mode.disables = readEachChild(c("Disables"), [](const QDomElement& d) { // optional; interlaced stays 1
-        return readAs<s_resolutionResolutionRatio>(
-            d, {{"Width", ""}, {"Height", ""}, {"RefreshRate", ""}, {"Coefficient", ""}});
-    });
+    mode.disables = readEachChild(
+        c("Disables"), RecordKind::ModeDisable, [](const QDomElement& d) { // optional; interlaced stays 1
+            return readAs<s_resolutionResolutionRatio>(
+                d, {{"Width", ""}, {"Height", ""}, {"RefreshRate", ""}, {"Coefficient", ""}});
+        });
 }
 
 void readCapacityModes(Section& s, const QDomElement& e, s_ConnectorCfg& c) {
     if (e.isNull()) return;
     const auto pair = readAs<s_SupportInfo>(e, kEmptyPair);
     std::tie(c.capacityModeSupport, c.capacityModeEditable) = std::tie(pair.support, pair.editable);
-    c.interfaces = readEachChild(e, [&](const QDomElement& i) {
+    c.interfaces = readEachChild(e, RecordKind::DescriptionInterface, [&](const QDomElement& i) {
         s_Interface in;
         in.type = intAttr(i, "Type");
-        in.capacityModes = readEachChild(i, [&](const QDomElement& m) {
+        in.capacityModes = readEachChild(i, RecordKind::InterfaceMode, [&](const QDomElement& m) {
             s_CapacityModeInInterface mode;
             readCapacityMode(s, m, mode);
             return mode;
@@ -156,7 +157,7 @@ void readCapacityModes(Section& s, const QDomElement& e, s_ConnectorCfg& c) {
 
 void readHdcp(Section& s, const QDomElement& e, s_ConnectorHDCP& hdcp) {
     update(e, kEmptyPair, hdcp);
-    hdcp.interfaces = readEachChild(e, [&](const QDomElement& i) {
+    hdcp.interfaces = readEachChild(e, RecordKind::HdcpInterface, [&](const QDomElement& i) {
         s_InterfaceInHDCP in;
         in.type = intAttr(i, "Type");
         update(s.need(i, "Enable", kLogged), kEmptyOptions, ListFrom::AnyChild, in.enable);
@@ -185,7 +186,7 @@ void readPresetAxis(Section& s, const QDomElement& e, s_PresetTimingAxis& axis) 
 
 void readPresetTiming(Section& s, const QDomElement& e, s_ConnectorPresetTiming& timing) {
     update(e, kEmptyPair, timing);
-    timing.interfaces = readEachChild(e, [&](const QDomElement& i) {
+    timing.interfaces = readEachChild(e, RecordKind::TimingInterface, [&](const QDomElement& i) {
         s_PreSetTimingInterface t;
         t.type = intAttr(i, "Type");
         const Children c(i);
@@ -203,7 +204,7 @@ template <class Group, class Item>
 void readColorGroup(Section& s, const QDomElement& e, const char* setTag, Group& group,
                     s_ConnectorEnumSet Item::*set) {
     update(e, kEmptyPair, group);
-    group.interfaces = readEachChild(e, [&](const QDomElement& i) {
+    group.interfaces = readEachChild(e, RecordKind::ColorInterface, [&](const QDomElement& i) {
         Item item;
         item.type = intAttr(i, "Type");
         update(s.need(i, setTag, kLogged), kEmptyOptions, ListFrom::AnyChild, item.*set);
@@ -221,7 +222,7 @@ void readRGB(Section& s, const QDomElement& e, s_ConnectorRGB& rgb) {
 
 void readImageQuality(Section& s, const QDomElement& e, s_ConnectorImageQuality& quality) {
     update(e, kEmptyPair, quality);
-    quality.interfaces = readEachChild(e, [&](const QDomElement& i) {
+    quality.interfaces = readEachChild(e, RecordKind::QualityInterface, [&](const QDomElement& i) {
         s_InterfaceInImageQuality q;
         q.type = intAttr(i, "Type");
         const Children c(i);
@@ -320,10 +321,12 @@ bool ConnectorConfigManager::readConfig(const QString& path, QString& error) {
                 observe::diagnose(DiagnosticKind::FileRejected, error, first);
                 return false;
             }
-            m_connectors = readEachChild(next(first), readTableConnector);
+            m_connectors = readEachChild(next(first), RecordKind::TableConnector, readTableConnector);
         } else if (isNamed(first, "Connectors")) {
+            const observe::Record r(RecordKind::ConnectorFile, m_connectorFiles.size(), first);
             s_VrnConnector file;
             forEachChild(first, [&](const QDomElement& e) {
+                const observe::Record r(RecordKind::ConnectorDescription, file.connectors.size(), e);
                 s_ConnectorCfg connector;
                 if (readConfigConnector(e, error, connector)) // a rejected description is dropped
                     file.connectors.push_back(std::move(connector));
@@ -343,10 +346,11 @@ bool ConnectorConfigManager::readConfigResolution(const QDomElement& resolutionR
             const QDomElement group = child(type);
             if (group.isNull()) return;
             catalogue.typeValue = intAttr(type, "Value");
-            catalogue.typeResolutions = readEachChild(group, readCatalogueResolution);
+            catalogue.typeResolutions = readEachChild(group, RecordKind::Resolution, readCatalogueResolution);
         } else { // any other name is a capacity mode
+            const observe::Record r(RecordKind::ResolutionMode, catalogue.capacityModes.size(), k);
             catalogue.capacityModes.push_back(
-                {intAttr(k, "Value"), readEachChild(k, readCatalogueResolution)});
+                {intAttr(k, "Value"), readEachChild(k, RecordKind::Resolution, readCatalogueResolution)});
         }
     });
     out = std::move(catalogue);

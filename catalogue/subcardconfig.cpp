@@ -63,6 +63,7 @@ s_TypesConnector readTypesConnector(const QDomElement& e) {
     timing.interfaceType = intAttr(interfaceElement, "Type");
     forEachNamed(child(interfaceElement, "WorkModes"), "WorkMode", [&](const QDomElement& workMode) {
         forEachNamed(child(workMode, "CapacityModes"), "CapacityMode", [&](const QDomElement& capacityMode) {
+            const observe::Record r(RecordKind::TypeResolution, timing.resolutionRatios.size(), capacityMode);
             qDebug().noquote() << "CapacityMode Value:" << intAttr(capacityMode, "Value"); // logged, not kept
             timing.resolutionRatios.push_back(readResolutionRatio(capacityMode));
         });
@@ -72,7 +73,10 @@ s_TypesConnector readTypesConnector(const QDomElement& e) {
 
 s_TypesGroups readConnectorTypes(const QDomElement& types) {
     s_TypesGroups list;
-    forEachNamed(types, "Connector", [&](const QDomElement& e) { list.push_back(readTypesConnector(e)); });
+    forEachNamed(types, "Connector", [&](const QDomElement& e) {
+        const observe::Record r(RecordKind::ConnectorType, list.size(), e);
+        list.push_back(readTypesConnector(e));
+    });
     return list;
 }
 
@@ -90,7 +94,7 @@ s_CapacityInConnectorsDeviceModeCapacitys readConnectorsCapacity(const QDomEleme
     s_CapacityInConnectorsDeviceModeCapacitys capacity;
     capacity.name = textAttr(e, "Name");
     update(e, kCapacity, capacity);
-    capacity.connectors = readEachChild(e, readCapacityConnector);
+    capacity.connectors = readEachChild(e, RecordKind::CapacityConnector, readCapacityConnector);
     return capacity;
 }
 
@@ -99,7 +103,7 @@ s_DeviceModeInConnectors readConnectorsDeviceMode(const QDomElement& e) {
     mode.value = intAttr(e, "Value");
     const QDomElement capacitys = child(e, "Capacitys");
     mode.capacitysValue = intAttr(capacitys, "Value");
-    mode.capacitys = readEachChild(capacitys, readConnectorsCapacity);
+    mode.capacitys = readEachChild(capacitys, RecordKind::ModeCapacity, readConnectorsCapacity);
     return mode;
 }
 
@@ -107,12 +111,15 @@ s_DeviceModeInConnectors readConnectorsDeviceMode(const QDomElement& e) {
 s_Connectors readConnectors(const QDomElement& e) {
     s_Connectors out;
     forEachChild(e, [&](const QDomElement& c) {
-        if (isNamed(c, "Types"))
+        if (isNamed(c, "Types")) {
             out.types = readConnectorTypes(c);
-        else if (isNamed(c, "Connector"))
+        } else if (isNamed(c, "Connector")) {
+            const observe::Record r(RecordKind::Connector, out.connectors.size(), c);
             out.connectors.push_back(readConnector(c));
-        else if (isNamed(c, "DeviceMode"))
+        } else if (isNamed(c, "DeviceMode")) {
+            const observe::Record r(RecordKind::ConnectorMode, out.deviceModes.size(), c);
             out.deviceModes.push_back(readConnectorsDeviceMode(c));
+        }
     });
     return out;
 }
@@ -122,7 +129,7 @@ s_Connectors readConnectors(const QDomElement& e) {
 s_ConnectorGroup readConnectorGroup(const QDomElement& e) {
     s_ConnectorGroup group;
     update(e, {{"Value", ""}, {"SelectNum", ""}}, group);
-    group.connectors = readEachChild(e, readConnector);
+    group.connectors = readEachChild(e, RecordKind::Connector, readConnector);
     return group;
 }
 
@@ -132,7 +139,7 @@ bool readConnectorGroups(const QDomElement& groups, s_Capacity& out, QString& er
         const QDomElement c = s.need(groups, "Capacity");
         capacity.name = textAttr(c, "Name");
         capacity.value = intAttr(c, "Value");
-        capacity.groups = readEachChild(c, readConnectorGroup);
+        capacity.groups = readEachChild(c, RecordKind::ConnectorGroup, readConnectorGroup);
     });
 }
 
@@ -150,7 +157,7 @@ s_ConnectorInCapacityGroups readCapacityGroupConnector(const QDomElement& e) {
 s_DeviceMode readDeviceMode(const QDomElement& e) {
     s_DeviceMode mode;
     mode.value = intAttr(e, "Value");
-    mode.connectors = readEachChild(e, readCapacityGroupConnector);
+    mode.connectors = readEachChild(e, RecordKind::ModeConnector, readCapacityGroupConnector);
     return mode;
 }
 
@@ -159,7 +166,8 @@ bool readCapacityGroup(const QDomElement& e, s_CapacityInCapacityGroups& out, QS
     return transact(out, error, loader, [&](Section& s, s_CapacityInCapacityGroups& capacity) {
         capacity.name = textAttr(e, "Name");
         update(e, kCapacity, capacity);
-        capacity.deviceModes = readEachChild(s.need(e, "DeviceModes"), readDeviceMode);
+        capacity.deviceModes =
+            readEachChild(s.need(e, "DeviceModes"), RecordKind::CapacityMode, readDeviceMode);
     });
 }
 
@@ -174,18 +182,19 @@ s_ConnectorInfo readConnectorInfo(const QDomElement& e) {
 }
 
 s_ConnectorGroupInfo readCopyGroup(const QDomElement& e) {
-    return s_ConnectorGroupInfo{intAttr(e, "Value"), readEachChild(e, readConnectorInfo)};
+    return s_ConnectorGroupInfo{intAttr(e, "Value"),
+                                readEachChild(e, RecordKind::CopyConnector, readConnectorInfo)};
 }
 
 s_DeviceModeInfo readCopyDeviceMode(const QDomElement& e) {
-    return s_DeviceModeInfo{intAttr(e, "Value"), readEachChild(e, readCopyGroup)};
+    return s_DeviceModeInfo{intAttr(e, "Value"), readEachChild(e, RecordKind::CopyGroup, readCopyGroup)};
 }
 
 s_CapacityInfo readCopyCapacity(const QDomElement& e) {
     s_CapacityInfo capacity;
     capacity.name = textAttr(e, "Name");
     update(e, kCapacity, capacity);
-    capacity.deviceModes = readEachChild(e, readCopyDeviceMode);
+    capacity.deviceModes = readEachChild(e, RecordKind::CopyMode, readCopyDeviceMode);
     return capacity;
 }
 
@@ -193,7 +202,7 @@ s_ConnectorCopy readConnectorCopy(const QDomElement& e) {
     auto copy = readAs<s_ConnectorCopy>(e, {{"Support", ""}, {"Editable", ""}, {"Value", ""}});
     const QDomElement related = child(e, "MainRelated");
     copy.mainRelated = readAs<s_SupportInfo>(related, kEmptyPair);
-    copy.capacityInfos = readEachChild(related, readCopyCapacity);
+    copy.capacityInfos = readEachChild(related, RecordKind::CopyCapacity, readCopyCapacity);
     return copy;
 }
 
@@ -204,7 +213,8 @@ bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loade
     update(e, {{"ModelId", ""}, {"CardMode", ""}, {"InterlacedMaxCount", ""}}, card);
     Section reported(error, loader); // the four lists below: absent is reported and skipped
     constexpr Missing kReported = Missing::NotedLogged;
-    card.associations = readEachChild(reported.need(e, "Associations", kReported), readAssociation);
+    card.associations = readEachChild(reported.need(e, "Associations", kReported),
+                                      RecordKind::CardAssociation, readAssociation);
 
     const bool named = transact(card.name, error, loader, [&](Section& s, s_Name& name) {
         const QDomElement n = s.need(e, "Name");
@@ -220,6 +230,7 @@ bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loade
 
     const bool capacitiesRead =
         forEachChild(reported.need(e, "CapacityGroups", kReported), [&](const QDomElement& c) {
+            const observe::Record r(RecordKind::CapacityGroup, card.capacityGroups.size(), c);
             s_CapacityInCapacityGroups capacity;
             if (!readCapacityGroup(c, capacity, error, loader)) return false;
             card.capacityGroups.push_back(std::move(capacity));
@@ -227,7 +238,8 @@ bool readCard(const QDomElement& e, s_Subcard& card, QString& error, const Loade
         });
     if (!capacitiesRead) return false;
 
-    card.sections = readEachChild(reported.need(e, "Sections", kReported), readSection);
+    card.sections =
+        readEachChild(reported.need(e, "Sections", kReported), RecordKind::CardSection, readSection);
     card.connectorCopy = readConnectorCopy(child(e, "ConnectorCopy"));
     return true;
 }

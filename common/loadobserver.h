@@ -61,6 +61,8 @@ struct DocumentRead {
 // record above it) when it is kept. A record that is not kept (a rejected
 // file, an incomplete device mode) leaves its place to the next record read
 // there: the last record started at a place is the one the component holds.
+// `key` is 0 unless a kind says otherwise. New kinds are appended, so a kind
+// keeps its number.
 enum class RecordKind : quint8 {
     Model,      // a device model folder (no element); index among the models
     Screen,     // a screen file's screen; index among the model's screens
@@ -77,6 +79,62 @@ enum class RecordKind : quint8 {
     HdrKey,     // a key of the options: index its type, `key` its value
     HdrSetting, // a dependent setting of a key: index its type
     HdrValue,   // index among the setting's selectable values
+
+    // A model's other files and lists (below Model).
+    LayerType,          // a device mode's layer type; index among the mode's layer types
+    Layer,              // a layer file's layer (its root element); index among the model's layers
+    CrossCard,          // a cross-card entry; index among the model's entries
+    CrossMode,          // a device mode of a cross-card entry; index among the entry's modes
+    CrossGroup,         // a group of a cross-card device mode; index among the mode's groups
+    CrossMember,        // a connector of a cross-card group; index among the group's members
+    SlotConnectorGroup, // a connector group of a SlotCard; index among the card's groups
+    FeatureLayerMode,   // a layer mode of the feature file; index among them
+    FeatureFileItem,    // an entry of the feature file's "File"; index among them
+    ThirdPlugin,        // a third-party plug-in of the feature file; index among them
+
+    // A catalogue card's lists (below Card), each index among the list of the
+    // record above it.
+    CardAssociation,   // an associated card model
+    ConnectorType,     // a connector type the card presets timings for ("Types")
+    TypeResolution,    // the preset resolution of a connector type for one capacity mode
+    Connector,         // a connector of the card's "Connectors", or of a ConnectorGroup
+    ConnectorMode,     // a device mode of the card's "Connectors"
+    ModeCapacity,      // a capacity of a ConnectorMode
+    CapacityConnector, // a connector of a ModeCapacity
+    ConnectorGroup,    // a group of the card's connector-group capacity
+    CapacityGroup,     // a capacity of the card's "CapacityGroups"
+    CapacityMode,      // a device mode of a CapacityGroup
+    ModeConnector,     // a connector of a CapacityMode
+    CardSection,       // a section code of the card
+    CopyCapacity,      // a capacity of the card's connector copy
+    CopyMode,          // a device mode of a CopyCapacity
+    CopyGroup,         // a group of a CopyMode
+    CopyConnector,     // a connector position of a CopyGroup
+
+    // The connector files: descriptions, and the resolution file's lists.
+    ConnectorFile,        // a description file (its "Connectors"); index among the files kept
+    ConnectorDescription, // a connector description; index among the file's descriptions
+    DescriptionInterface, // an interface of a description's "CapacityMode"
+    InterfaceMode,        // a capacity mode of a DescriptionInterface
+    ModeDisable,          // a disabled resolution of an InterfaceMode
+    HdcpInterface,        // an interface of a description's "HDCP"
+    TimingInterface,      // an interface of a description's "PresetTiming"
+    ColorInterface,       // an interface of "ColorDepths", "ColorSpaces" or "ColorRanges" (its parent)
+    QualityInterface,     // an interface of a description's "ImageQuality"
+    ResolutionMode,       // a capacity mode of the resolution catalogue
+    Resolution,           // a resolution of a ResolutionMode, or of the "Types" group (no record above)
+    TableConnector,       // a connector of the interface table after the catalogue
+    TableInterface,       // an interface of a TableConnector
+    TableMode,            // a capacity mode of a TableInterface
+    TableResolution,      // a resolution of a TableMode
+
+    // The interface files.
+    PrintKeyDevice, // a device of the print-key table; index among them
+    PrintKeyCard,   // a card of a PrintKeyDevice; index among the device's cards
+    PrintKey,       // a print key of a PrintKeyCard; index among the card's keys
+    KeyCheck,       // a key-check entry; index among them
+    MenuFunction,   // a function item; index among them
+    MenuItem, // a node of the menu tree: the top node index 0, below it index among its parent's children
 };
 
 struct RecordRead {
@@ -162,15 +220,21 @@ public:
             o->recordStarted({kind, int(index), key, element});
         }
     }
+    // No record (a walk that keeps its records in a list of its own).
+    Record() = default;
+    Record(Record&& other) noexcept : m_observer(other.m_observer), m_kind(other.m_kind) {
+        other.m_observer = nullptr;
+    }
     ~Record() {
         if (Q_UNLIKELY(m_observer)) m_observer->recordEnded(m_kind);
     }
     Record(const Record&) = delete;
     Record& operator=(const Record&) = delete;
+    Record& operator=(Record&&) = delete;
 
 private:
     LoadObserver* m_observer = nullptr;
-    RecordKind m_kind;
+    RecordKind m_kind = RecordKind::Model;
 };
 
 // Tells the observer of a diagnostic (nothing when none is attached).

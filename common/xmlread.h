@@ -112,6 +112,11 @@ auto readEachChild(const QDomElement& parent, const char* from, RecordKind kind,
     });
     return list;
 }
+template <class Read>
+auto readEachChild(const QDomElement& parent, RecordKind kind, Read&& read)
+    -> std::vector<decltype(read(parent))> {
+    return readEachChild(parent, nullptr, kind, std::forward<Read>(read));
+}
 
 // ---- attributes -----------------------------------------------------------
 

@@ -24,7 +24,7 @@ CrossCard::s_CrossConnectorGroup readConnector(const QDomElement& e) {
 CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
     CrossCard::s_CrossConnectorGroups group;
     group.groupId = intAttr(e, "GroupId");
-    group.connectors = readEachChild(e, "Connector", readConnector);
+    group.connectors = readEachChild(e, "Connector", RecordKind::CrossMember, readConnector);
     return group;
 }
 
@@ -32,7 +32,8 @@ CrossCard::s_CrossConnectorGroups readGroup(const QDomElement& e) {
 CrossCard::s_CrossDeviceMode readDeviceMode(const QDomElement& e) {
     CrossCard::s_CrossDeviceMode mode;
     mode.value = intAttr(e, "Value");
-    mode.groups = readEachChild(child(child(e, "Capacity"), "Groups"), "Group", readGroup);
+    mode.groups =
+        readEachChild(child(child(e, "Capacity"), "Groups"), "Group", RecordKind::CrossGroup, readGroup);
     return mode;
 }
 
@@ -56,6 +57,7 @@ bool CrosscardConfigManager::parseDeviceCrosscardcfg(const QDomDocument& doc, QS
     const QDomElement list = s.need(s.need(doc.documentElement(), "Device"), "Subcards");
     if (!s.complete()) return false;
     forEachChild(list, "Subcard", [&](const QDomElement& e) {
+        const observe::Record r(RecordKind::CrossCard, subcards.size(), e);
         CrossCard::s_CrossSubcard subcard;
         subcardInfo(e, subcard);
         subcards.push_back(std::move(subcard));
@@ -71,8 +73,10 @@ void CrosscardConfigManager::subcardInfo(const QDomElement& element, CrossCard::
     subcard.deviceInterfaceGroup = readAs<s_SupportInfo>(deviceGroup, kLenientPair);
     subcard.offset = intAttr(deviceGroup, "Offset", "100");
     // Every sibling after the first "DeviceMode" is a device mode, whatever its name.
-    forEachChild(element, "DeviceMode",
-                 [&](const QDomElement& e) { subcard.deviceModes.push_back(readDeviceMode(e)); });
+    forEachChild(element, "DeviceMode", [&](const QDomElement& e) {
+        const observe::Record r(RecordKind::CrossMode, subcard.deviceModes.size(), e);
+        subcard.deviceModes.push_back(readDeviceMode(e));
+    });
 }
 
 } // namespace ConfigModel

@@ -83,6 +83,8 @@ void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QSt
                 device.screens.append(std::move(screen));
             }
             if (kind & facts::LayerFile) {
+                const observe::Record r(RecordKind::Layer, std::size_t(device.layers.size()),
+                                        doc.documentElement());
                 Layercfg::s_VrnLayer layer;
                 if (!readPart(&LayerConfigManager::parseDeviceLayercfg, doc, layer)) continue;
                 device.layers.append(std::move(layer));

@@ -199,7 +199,7 @@ void Walk::readDynamicRangConversion(const Children& features, s_Features& f) {
     }
     if (const QDomElement modes = child(drc, "LayerModes"); !modes.isNull()) {
         f.layerModes = readAs<s_SupportInfo>(modes, kLenientPair);
-        f.layerModesList = readEachChild(modes, [](const QDomElement& mode) {
+        f.layerModesList = readEachChild(modes, RecordKind::FeatureLayerMode, [](const QDomElement& mode) {
             return s_LayerModesSupportInfo{intAttr(mode, "HDRSupport"), intAttr(mode, "Value")};
         });
     }
@@ -245,7 +245,8 @@ void Walk::readSystemSections(const Children& device, s_DeviceFeature& f) {
         auto& [file, items] = local;
         const QDomElement e = s.need(device, "File");
         file = readAs<s_SupportInfo>(e, kLenientPair);
-        items = readEachChild(e, [](const QDomElement& i) { return readAs<s_RangeValue>(i, kEmpty); });
+        items = readEachChild(e, RecordKind::FeatureFileItem,
+                              [](const QDomElement& i) { return readAs<s_RangeValue>(i, kEmpty); });
     });
     section(f.deviceModes, [&](Section& s, s_OptionList& modes) {
         modes = readAs<s_OptionList>(s.need(device, "DeviceModes"), kContained, ListFrom::EnumFirst);
@@ -292,7 +293,7 @@ void Walk::readLateFeatures(const Children& features, s_Features& f) {
         const QDomElement e = s.need(features, "ThirdPlugins");
         const s_SupportInfo pair = readAs<s_SupportInfo>(e, kLenientPair);
         // every entry repeats the section's own pair; only "Type" is the entry's
-        local = {pair, readEachChild(e, [&](const QDomElement& plugin) {
+        local = {pair, readEachChild(e, RecordKind::ThirdPlugin, [&](const QDomElement& plugin) {
                      return s_ThirdPlugin{pair.support, pair.editable, intAttr(plugin, "Type")};
                  })};
     });

@@ -76,7 +76,7 @@ void readDeviceMode(xml::Section& s, const QDomElement& e, s_DeviceMode& mode) {
     if (!s.complete()) return;
     mode.templetesValue = intAttr(templetes, "Value", "1");
     mode.templetes = xml::readEachChild(templetes, nullptr, RecordKind::Templete, readTemplete);
-    mode.layerTypes = xml::readEachChild(c("LayerTypes"), readLayerType);
+    mode.layerTypes = xml::readEachChild(c("LayerTypes"), RecordKind::LayerType, readLayerType);
 }
 
 // ---- feature tree ---------------------------------------------------------

@@ -20,8 +20,9 @@ std::vector<Slot::s_InlineSubcard> readInlineSubcards(const QDomElement& subcard
     return readEachChild(subcards, "Subcard", RecordKind::SlotCard, [](const QDomElement& e) {
         Slot::s_InlineSubcard card;
         card.moduleId = intAttr(e, "ModuleId", "0");
-        card.connectorGroups =
-            readEachChild(child(e, "ConnectorGroups"), "ConnectorGroup", [](const QDomElement& g) {
+        card.connectorGroups = readEachChild(
+            child(e, "ConnectorGroups"), "ConnectorGroup", RecordKind::SlotConnectorGroup,
+            [](const QDomElement& g) {
                 return Slot::s_ConnectorGroup{intAttr(g, "Value", "0"), textAttr(g, "GroupName")};
             });
         return card;

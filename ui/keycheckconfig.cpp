@@ -26,6 +26,7 @@ bool KeyCheckConfig::readConfig(const QString& path, QString& error) {
         return false;
     }
     forEachChild(keys, [this](const QDomElement& key) {
+        const observe::Record r(RecordKind::KeyCheck, std::size_t(m_keyCheckList.size()), key);
         m_keyCheckList.append({intAttr(key, "Value", "0"), attr(key, "Name")});
     });
     return true;

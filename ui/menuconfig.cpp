@@ -64,6 +64,7 @@ bool MenuConfigManager::readMenuFCItems(const QString& path, QString& error) {
     if (!loadDocument(path, Loader{kMenuFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
     forEachChild(child(doc.documentElement(), "MenuItems"), "MenuItem", [this](const QDomElement& e) {
+        const observe::Record r(RecordKind::MenuFunction, std::size_t(m_listMenuFCItem.size()), e);
         auto item = std::make_unique<s_MenuFCItem>();
         item->icon = attr(e, "Icon");
         item->key = intAttr(e, "Key");
@@ -87,18 +88,22 @@ void MenuConfigManager::parseElement(const QDomElement& element, s_MenuItem* ite
     struct Level {
         QDomElement element;
         s_MenuItem* item;
-        OwnedNode owned; // the node until its parent takes it; null for `item` itself
+        OwnedNode owned;        // the node until its parent takes it; null for `item` itself
+        observe::Record record; // ends when the level is left
         QDomElement child;
         bool started = false;
     };
     std::vector<Level> levels;
     const auto enter = [this, &levels](const QDomElement& e, s_MenuItem* node, OwnedNode owned) {
+        const std::size_t index = levels.empty() ? 0 : std::size_t(levels.back().item->children.size());
+        observe::Record record =
+            e.isNull() ? observe::Record() : observe::Record(RecordKind::MenuItem, index, e);
         if (!e.isNull()) {
             node->key = intAttr(e, "Key");
             node->order = intAttr(e, "Order", "0");
             node->fcItem = findMenuFCItem(node->key);
         }
-        levels.push_back(Level{e, node, std::move(owned), {}});
+        levels.push_back(Level{e, node, std::move(owned), std::move(record), {}});
     };
 
     enter(element, item, nullptr);

@@ -22,6 +22,7 @@ bool PrintKeyNoConfig::readConfig(const QString& path, QString& error) {
     if (!loadDocument(path, Loader{kUiFile, nullptr, LCD_LOG_SITE}, doc, error)) return false;
 
     forEachChild(doc.documentElement(), [&](const QDomElement& element) {
+        const observe::Record r(RecordKind::PrintKeyDevice, m_devicePrintKeyNos.size(), element);
         DevicePrintKeyNoInfo device;
         readConfigDevice(element, error, device);
         m_devicePrintKeyNos.push_back(std::move(device));
@@ -32,6 +33,7 @@ bool PrintKeyNoConfig::readConfig(const QString& path, QString& error) {
 bool PrintKeyNoConfig::readConfigDevice(const QDomElement& element, QString& error,
                                         DevicePrintKeyNoInfo& device) {
     forEachChild(element, "Subcard", [&](const QDomElement& card) {
+        const observe::Record r(RecordKind::PrintKeyCard, device.subcards.size(), card);
         SubcardPrintKeyNoInfo subcard;
         readConfigSubcard(card, error, subcard);
         device.subcards.push_back(std::move(subcard));
@@ -44,6 +46,7 @@ bool PrintKeyNoConfig::readConfigSubcard(const QDomElement& element, QString&,
                                          SubcardPrintKeyNoInfo& subcard) {
     subcard.modelId = intAttr(element, "ModelId");
     forEachChild(element, [&](const QDomElement& key) {
+        const observe::Record r(RecordKind::PrintKey, subcard.printKeyNos.size(), key);
         subcard.printKeyNos.push_back(PrintKeyNoInfo{intAttr(key, "Id"), textAttr(key, "PrintKeyNo"), 0});
     });
     return true;
