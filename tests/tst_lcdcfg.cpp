@@ -211,6 +211,37 @@ private Q_SLOTS:
         row("accepted cards after the first slot", slot, "<Slot Index=\"8\"/>",
             "<Slot Index=\"8\"/><Subcards><Subcard ModuleId=\"3101\"/></Subcards>",
             {slot + ":35:element-read-as"}, 1);
+        const QString cross = "device/29974/29974_crosscard.xml";
+        row("key code twice", "ui/checklist.xml", "Value=\"17\"", "Value=\"16\"",
+            {"ui/checklist.xml:7:key-duplicate"}, 1);
+        row("card twice in the print keys", "ui/printkeynoconfig.xml", "ModelId=\"2103\"", "ModelId=\"2102\"",
+            {"ui/printkeynoconfig.xml:18:printkey-card-duplicate"}, 1);
+        row("card twice in the cross-card file", cross, "<Subcard Value=\"3101\">",
+            "<Subcard Value=\"2101\">", {cross + ":33:crosscard-card-duplicate"}, 1);
+        row("two layer files of one type", "device/29974/29974_layer_pip.xml", "Layer Type=\"2\"",
+            "Layer Type=\"1\"",
+            {"device/29974/29974_layer_pip.xml:4:layer-type-duplicate", mosaic + ":106:layer-type-unknown"},
+            1);
+        row("two connectors at one position", "subcard/2101_hdmi20_4in.xml",
+            "InterfaceType=\"2\" Position=\"2\"", "InterfaceType=\"2\" Position=\"1\"",
+            {"subcard/2101_hdmi20_4in.xml:65:connector-position-duplicate",
+             "ui/printkeynoconfig.xml:8:printkey-position-unknown"},
+            1);
+        row("connector type described twice", "connector/connector_dp12.xml", "Connector Type=\"8\"",
+            "Connector Type=\"6\"", {"connector/connector_hdmi20.xml:7:connector-type-duplicate"}, 1);
+        row("resolution twice in a mode", "connector/resolutions.xml",
+            "Width=\"720\" Height=\"480\" RefreshRate=\"5994\"",
+            "Width=\"640\" Height=\"480\" RefreshRate=\"6000\"",
+            {"connector/resolutions.xml:9:resolution-duplicate"}, 1);
+        row("cross-card member in no slot", cross, "Slot=\"2\" Position=\"1\"", "Slot=\"42\" Position=\"1\"",
+            {cross + ":22:crosscard-slot-unknown"}, 1);
+        row("cross-card member on no connector", cross, "Slot=\"2\" Position=\"1\"",
+            "Slot=\"2\" Position=\"7\"", {cross + ":22:crosscard-connector-unknown"}, 1);
+        row("mixed slot naming a group its card lacks", slot, "ConnectorGroup Value=\"2\"",
+            "ConnectorGroup Value=\"7\"", {slot + ":46:connector-group-unknown"}, 1);
+        row("card pairing with an unknown card", "subcard/2101_hdmi20_4in.xml",
+            "Association ModelId=\"2103\"", "Association ModelId=\"2109\"",
+            {"subcard/2101_hdmi20_4in.xml:14:association-unknown"}, 1);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 

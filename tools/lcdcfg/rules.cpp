@@ -449,6 +449,19 @@ const Rule kRules[] = {
     {"entity-unknown", Severity::Error, entityUnknown},
     {"element-unclosed", Severity::Error, elementUnclosed},
     {"element-read-as", Severity::Error, elementReadAs},
+    {"key-duplicate", Severity::Error, keyDuplicate},
+    {"printkey-card-duplicate", Severity::Error, printkeyCardDuplicate},
+    {"crosscard-card-duplicate", Severity::Error, crosscardCardDuplicate},
+    {"layer-type-duplicate", Severity::Error, layerTypeDuplicate},
+    {"connector-position-duplicate", Severity::Error, connectorPositionDuplicate},
+    {"connector-type-duplicate", Severity::Error, connectorTypeDuplicate},
+    {"resolution-duplicate", Severity::Error, resolutionDuplicate},
+    {"connector-group-unknown", Severity::Error, connectorGroupUnknown},
+    {"crosscard-slot-unknown", Severity::Error, crosscardSlotUnknown},
+    {"crosscard-connector-unknown", Severity::Error, crosscardConnectorUnknown},
+    {"printkey-position-unknown", Severity::Error, printkeyPositionUnknown},
+    {"layer-type-unknown", Severity::Error, layerTypeUnknown},
+    {"association-unknown", Severity::Error, associationUnknown},
 };
 
 } // namespace

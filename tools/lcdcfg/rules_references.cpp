@@ -34,6 +34,149 @@ void readAs(RuleRun& run, const RecordPath& list, K kind, int count, const QStri
 
 } // namespace
 
+// Every (model position, device) pair whose folder is known.
+template <class F> void forEachModel(RuleRun& run, F&& f) {
+    if (!run.tree.devices()) return;
+    int m = 0;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const Step model{K::Model, m++};
+        const QString folder = run.modelFolder(model.index);
+        if (!folder.isEmpty()) f(model, folder, device);
+    }
+}
+
+void connectorGroupUnknown(RuleRun& run) {
+    if (!run.tree.cards()) return;
+    forEachModel(run, [&](const Step& model, const QString& folder, const Devicecfg::s_Device& device) {
+        for (int g = 0; g < int(facts::kSlotGroups.size()); ++g) {
+            const Slot::s_SlotAttr& attr = device.slot.slots.*facts::kSlotGroups[size_t(g)].member;
+            for (int s = 0; s < int(attr.slots.size()); ++s)
+                for (int c = 0; c < int(attr.slots[size_t(s)].subcards.size()); ++c) {
+                    const Slot::s_InlineSubcard& card = attr.slots[size_t(s)].subcards[size_t(c)];
+                    if (run.lostCards.contains(card.moduleId) || !run.knownCard(card.moduleId)) continue;
+                    for (int k = 0; k < int(card.connectorGroups.size()); ++k)
+                        if (run.tree.cards()
+                                ->findConnectorByGroupId(card.moduleId, card.connectorGroups[size_t(k)].value)
+                                .empty())
+                            run.report(run.trace.record({model,
+                                                         {K::SlotGroup, g},
+                                                         {K::Slot, s},
+                                                         {K::SlotCard, c},
+                                                         {K::SlotConnectorGroup, k}}),
+                                       folder,
+                                       QStringLiteral("card model %1 has no connector group %2")
+                                           .arg(card.moduleId)
+                                           .arg(card.connectorGroups[size_t(k)].value));
+                }
+        }
+    });
+}
+
+namespace {
+
+// Every member of the cross-card groups with its record.
+template <class F> void forEachMember(RuleRun& run, F&& f) {
+    forEachModel(run, [&](const Step& model, const QString& folder, const Devicecfg::s_Device& device) {
+        for (int i = 0; i < int(device.crossSubcards.size()); ++i) {
+            const auto& modes = device.crossSubcards[size_t(i)].deviceModes;
+            for (int d = 0; d < int(modes.size()); ++d)
+                for (int g = 0; g < int(modes[size_t(d)].groups.size()); ++g) {
+                    const auto& members = modes[size_t(d)].groups[size_t(g)].connectors;
+                    for (int c = 0; c < int(members.size()); ++c)
+                        f(device, folder, members[size_t(c)],
+                          run.trace.record({model,
+                                            {K::CrossCard, i},
+                                            {K::CrossMode, d},
+                                            {K::CrossGroup, g},
+                                            {K::CrossMember, c}}));
+                }
+        }
+    });
+}
+
+} // namespace
+
+void crosscardSlotUnknown(RuleRun& run) {
+    forEachMember(run, [&](const Devicecfg::s_Device& device, const QString& folder,
+                           const CrossCard::s_CrossConnectorGroup& member, const Site* at) {
+        for (const facts::SlotGroupFacts& group : facts::kSlotGroups)
+            for (const Slot::s_Slot& slot : (device.slot.slots.*group.member).slots)
+                if (slot.index == member.slot) return;
+        run.report(at, folder,
+                   QStringLiteral("slot %1 is not a slot of model %2").arg(member.slot).arg(device.modelId));
+    });
+}
+
+void crosscardConnectorUnknown(RuleRun& run) {
+    if (!run.tree.cards()) return;
+    forEachMember(run, [&](const Devicecfg::s_Device&, const QString& folder,
+                           const CrossCard::s_CrossConnectorGroup& member, const Site* at) {
+        if (run.lostCards.contains(member.moduleId) || !run.knownCard(member.moduleId) ||
+            run.tree.cards()->findConnector(member.moduleId, member.position))
+            return;
+        run.report(at, folder,
+                   QStringLiteral("card model %1 has no connector at position %2")
+                       .arg(member.moduleId)
+                       .arg(member.position));
+    });
+}
+
+void printkeyPositionUnknown(RuleRun& run) {
+    const PartLoad* load = run.tree.loadOf(Part::PrintKeys);
+    if (!load || !load->ok || !run.tree.cards()) return;
+    const auto devices = recordsOf(run.trace, {}, K::PrintKeyDevice);
+    for (int d = 0; d < devices.size(); ++d) {
+        const auto cards = recordsOf(run.trace, {{K::PrintKeyDevice, d}}, K::PrintKeyCard);
+        for (int c = 0; c < cards.size(); ++c) {
+            const int model = cards[c]->values.value(QStringLiteral("ModelId")).toInt();
+            if (run.lostCards.contains(model) || !run.knownCard(model)) continue; // printkey-model-unknown
+            for (const Site* key :
+                 recordsOf(run.trace, {{K::PrintKeyDevice, d}, {K::PrintKeyCard, c}}, K::PrintKey)) {
+                const int position = key->values.value(QStringLiteral("Id")).toInt();
+                if (!run.tree.cards()->findConnector(model, position))
+                    run.report(key, load->inputs.first(),
+                               QStringLiteral("card model %1 has no connector at position %2")
+                                   .arg(model)
+                                   .arg(position));
+            }
+        }
+    }
+}
+
+void layerTypeUnknown(RuleRun& run) {
+    forEachModel(run, [&](const Step& model, const QString& folder, const Devicecfg::s_Device& device) {
+        QSet<int> layers;
+        for (const Layercfg::s_VrnLayer& layer : device.layers)
+            layers.insert(layer.type);
+        for (int s = 0; s < device.screens.size(); ++s)
+            for (int d = 0; d < int(device.screens[s].deviceModes.size()); ++d) {
+                const auto& types = device.screens[s].deviceModes[size_t(d)].layerTypes;
+                for (int l = 0; l < int(types.size()); ++l)
+                    if (!layers.contains(types[size_t(l)].value))
+                        run.report(
+                            run.trace.record({model, {K::Screen, s}, {K::DeviceMode, d}, {K::LayerType, l}}),
+                            folder,
+                            QStringLiteral("layer type %1 is described by no layer file of the model")
+                                .arg(types[size_t(l)].value));
+            }
+    });
+}
+
+void associationUnknown(RuleRun& run) {
+    if (!run.tree.cards()) return;
+    int n = 0;
+    for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
+        const Step at{K::Card, n++};
+        for (int a = 0; a < int(card.associations.size()); ++a)
+            if (!run.knownCard(card.associations[size_t(a)].modelId))
+                run.report(run.trace.record({at, {K::CardAssociation, a}}), QStringLiteral("subcard"),
+                           QStringLiteral(
+                               "card model %1 pairs with card model %2, which is not in the card catalogue")
+                               .arg(card.modelId)
+                               .arg(card.associations[size_t(a)].modelId));
+    }
+}
+
 void elementReadAs(RuleRun& run) {
     if (!run.tree.devices()) return;
     int m = 0;

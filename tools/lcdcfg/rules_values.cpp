@@ -122,15 +122,136 @@ namespace {
 // Reports `later` as a repetition of `first` (both sites of records).
 void repeated(RuleRun& run, const Site* first, const Site* later, const QString& fallback,
               const QString& what, const QString& consequence) {
-    run.report(later, fallback,
-               QStringLiteral("%1 is already given at line %2: %3")
-                   .arg(what)
-                   .arg(first ? first->line : 0)
-                   .arg(consequence),
-               first);
+    const bool here = first && later && first->document == later->document;
+    run.report(
+        later, fallback,
+        QStringLiteral("%1 is already given %2: %3")
+            .arg(what,
+                 here    ? QStringLiteral("at line %1").arg(first->line)
+                 : first ? QStringLiteral("in %1:%2").arg(run.tree.relative(first->document)).arg(first->line)
+                         : QStringLiteral("before"),
+                 consequence),
+        first);
 }
 
 } // namespace
+
+void repeats(RuleRun& run, const QVector<Item>& items, const QString& fallback, const QString& what,
+             const QString& consequence) {
+    QHash<QString, const RecordPath*> first;
+    for (const Item& item : items) {
+        const RecordPath*& earlier = first[item.first];
+        if (!earlier) {
+            earlier = &item.second;
+            continue;
+        }
+        repeated(run, run.trace.record(*earlier), run.trace.record(item.second), fallback,
+                 what.arg(item.first), consequence);
+    }
+}
+
+void keyDuplicate(RuleRun& run) {
+    const PartLoad* load = run.tree.loadOf(Part::Keys);
+    if (!run.tree.keys() || !load) return;
+    QVector<Item> items;
+    for (const auto& key : run.tree.keys()->getKeyCheckList())
+        items.push_back({QString::number(key.first), {{K::KeyCheck, items.size()}}});
+    repeats(run, items, load->inputs.first(), QStringLiteral("key code %1"),
+            QStringLiteral("the host checks the key twice"));
+}
+
+QVector<const Site*> recordsOf(const Trace& trace, const RecordPath& above, RecordKind kind) {
+    QVector<const Site*> sites;
+    while (const Site* site = trace.record(above + RecordPath{{kind, int(sites.size())}}))
+        sites << site;
+    return sites;
+}
+
+// The print-key table has no list query: its records' stored ids are read from the observer.
+void printkeyCardDuplicate(RuleRun& run) {
+    const PartLoad* load = run.tree.loadOf(Part::PrintKeys);
+    if (!load || !load->ok) return;
+    const int devices = recordsOf(run.trace, {}, K::PrintKeyDevice).size();
+    for (int d = 0; d < devices; ++d) {
+        QVector<Item> items;
+        for (const Site* card : recordsOf(run.trace, {{K::PrintKeyDevice, d}}, K::PrintKeyCard))
+            items.push_back({card->values.value(QStringLiteral("ModelId")),
+                             {{K::PrintKeyDevice, d}, {K::PrintKeyCard, items.size()}}});
+        repeats(run, items, load->inputs.first(), QStringLiteral("card model %1"),
+                QStringLiteral("the host takes the print keys of the first"));
+    }
+}
+
+void crosscardCardDuplicate(RuleRun& run) {
+    if (!run.tree.devices()) return;
+    int m = 0;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const Step model{K::Model, m++};
+        QVector<Item> items;
+        for (const CrossCard::s_CrossSubcard& card : device.crossSubcards)
+            items.push_back({QString::number(card.moduleId), {model, {K::CrossCard, items.size()}}});
+        repeats(run, items, run.modelFolder(model.index), QStringLiteral("card model %1"),
+                QStringLiteral("the host takes the cross-card groups of the first"));
+    }
+}
+
+void layerTypeDuplicate(RuleRun& run) {
+    if (!run.tree.devices()) return;
+    int m = 0;
+    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+        const Step model{K::Model, m++};
+        QVector<Item> items;
+        for (const Layercfg::s_VrnLayer& layer : device.layers)
+            items.push_back({QString::number(layer.type), {model, {K::Layer, items.size()}}});
+        repeats(run, items, run.modelFolder(model.index), QStringLiteral("layer type %1"),
+                QStringLiteral("the host uses the first layer file of the type"));
+    }
+}
+
+void connectorPositionDuplicate(RuleRun& run) {
+    if (!run.tree.cards()) return;
+    int n = 0;
+    for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
+        const Step at{K::Card, n++};
+        QVector<Item> items;
+        for (const Subcard::s_Connector& c : card.connectors.connectors)
+            items.push_back({QString::number(c.position), {at, {K::Connector, items.size()}}});
+        repeats(run, items, QStringLiteral("subcard"), QStringLiteral("connector position %1"),
+                QStringLiteral("the host finds the first connector only"));
+    }
+}
+
+// Connector descriptions and the resolution catalogue have their records'
+// stored values read from the observer: the queries answer by type and mode.
+void connectorTypeDuplicate(RuleRun& run) {
+    QVector<Item> items;
+    const int files = recordsOf(run.trace, {}, K::ConnectorFile).size();
+    for (int f = 0; f < files; ++f) {
+        int d = 0;
+        for (const Site* c : recordsOf(run.trace, {{K::ConnectorFile, f}}, K::ConnectorDescription))
+            items.push_back({c->values.value(QStringLiteral("Type")),
+                             {{K::ConnectorFile, f}, {K::ConnectorDescription, d++}}});
+    }
+    repeats(run, items, QStringLiteral("connector"), QStringLiteral("connector type %1"),
+            QStringLiteral("the host uses the first description"));
+}
+
+void resolutionDuplicate(RuleRun& run) {
+    const int modes = recordsOf(run.trace, {}, K::ResolutionMode).size();
+    for (int m = 0; m < modes; ++m) {
+        QVector<Item> items;
+        for (const Site* site : recordsOf(run.trace, {{K::ResolutionMode, m}}, K::Resolution)) {
+            QStringList key;
+            for (const char* name : {"Width", "Height", "RefreshRate", "Interlaced"})
+                key << site->values.value(QLatin1String(name));
+            items.push_back(
+                {key.join(QLatin1Char(' ')), {{K::ResolutionMode, m}, {K::Resolution, items.size()}}});
+        }
+        repeats(run, items, QStringLiteral("connector"),
+                QStringLiteral("resolution %1 (width, height, rate, interlaced)"),
+                QStringLiteral("the host lists it twice"));
+    }
+}
 
 void slotDuplicate(RuleRun& run) {
     if (!run.tree.devices()) return;
