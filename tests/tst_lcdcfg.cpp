@@ -164,6 +164,8 @@ private Q_SLOTS:
             "", {"device/29974/29974_feature.xml:11:name-missing-en"}, 1);
         row("template without Chinese name", mosaic, " zh_CN=\"横向条屏 1x4\"", "",
             {mosaic + ":12:name-missing-zh"}, 1);
+        row("function item without English name", "menu/menufcitems.xml", "<en>Screens</en>", "",
+            {"menu/menufcitems.xml:9:name-missing-en"}, 1);
         row("current device missing", "device/29974", "*", "", {"device:0:current-device-missing"}, 1);
         row("empty model folder warns", "device/12345", "mkdir", "", {"device/12345:0:model-dir-empty"}, 0);
         row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);

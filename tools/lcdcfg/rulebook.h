@@ -22,7 +22,7 @@ void crosscardCardDuplicate(RuleRun& run);
 void connectorPositionDuplicate(RuleRun& run);
 void connectorTypeDuplicate(RuleRun& run);
 void resolutionDuplicate(RuleRun& run);
-void templateNameMissing(RuleRun& run);
+void shownNameMissing(RuleRun& run);
 
 // rules_references.cpp: ids a file names that the model or the tree lacks
 void connectorGroupUnknown(RuleRun& run);

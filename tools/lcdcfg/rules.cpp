@@ -439,7 +439,7 @@ const Rule kRules[] = {
     {"slot-duplicate", Severity::Error, slotDuplicate},
     {"screen-type-duplicate", Severity::Error, screenTypeDuplicate},
     {"hdr-value-duplicate", Severity::Error, hdrValueDuplicate},
-    {"name-missing-*", Severity::Error, templateNameMissing},
+    {"name-missing-*", Severity::Error, shownNameMissing},
     {"model-dir-unnamed", Severity::Error, modelDirUnnamed},
     {"model-file-missing", Severity::Error, modelFileMissing},
     {"file-misplaced", Severity::Error, fileMisplaced},

@@ -331,31 +331,44 @@ void hdrValueDuplicate(RuleRun& run) {
 
 // ---- names the host shows ---------------------------------------------------
 
-void templateNameMissing(RuleRun& run) {
-    if (!run.tree.devices()) return;
+// Screen templates and function items; models and cards: nameMissingEn/Zh (rules.cpp).
+void shownNameMissing(RuleRun& run) {
+    auto check = [&](const Site* at, const QString& fallback, const QString& what, bool english,
+                     bool missing) {
+        if (missing)
+            run.report(at, fallback,
+                       QStringLiteral("%1 has no %2 name: the host shows a blank")
+                           .arg(what, english ? QStringLiteral("English") : QStringLiteral("Chinese")),
+                       english ? QStringLiteral("name-missing-en") : QStringLiteral("name-missing-zh"),
+                       Severity::Error);
+    };
     int m = 0;
-    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-        const Step model{K::Model, m++};
-        for (int s = 0; s < device.screens.size(); ++s)
-            for (size_t d = 0; d < device.screens[s].deviceModes.size(); ++d) {
-                const Screen::s_DeviceMode& mode = device.screens[s].deviceModes[d];
-                for (size_t t = 0; t < mode.templetes.size(); ++t) {
-                    const Screen::s_Name& name = mode.templetes[t].name;
-                    const Site* at = run.trace.record(
-                        {model, {K::Screen, s}, {K::DeviceMode, int(d)}, {K::Templete, int(t)}});
-                    for (const bool english : {true, false})
-                        if ((english ? name.en : name.zhCN).empty())
-                            run.report(
-                                at, run.modelFolder(model.index),
-                                QStringLiteral("template %1 of device mode %2 has no %3 name")
-                                    .arg(t + 1)
-                                    .arg(mode.value)
-                                    .arg(english ? QStringLiteral("English") : QStringLiteral("Chinese")),
-                                english ? QStringLiteral("name-missing-en")
-                                        : QStringLiteral("name-missing-zh"),
-                                Severity::Error);
+    if (run.tree.devices())
+        for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
+            const Step model{K::Model, m++};
+            for (int s = 0; s < device.screens.size(); ++s)
+                for (size_t d = 0; d < device.screens[s].deviceModes.size(); ++d) {
+                    const Screen::s_DeviceMode& mode = device.screens[s].deviceModes[d];
+                    for (size_t t = 0; t < mode.templetes.size(); ++t) {
+                        const Site* at = run.trace.record(
+                            {model, {K::Screen, s}, {K::DeviceMode, int(d)}, {K::Templete, int(t)}});
+                        const QString what =
+                            QStringLiteral("template %1 of device mode %2").arg(t + 1).arg(mode.value);
+                        for (const bool english : {true, false})
+                            check(
+                                at, run.modelFolder(model.index), what, english,
+                                (english ? mode.templetes[t].name.en : mode.templetes[t].name.zhCN).empty());
+                    }
                 }
-            }
+        }
+    const PartLoad* menu = run.tree.loadOf(Part::Menu);
+    if (!run.tree.menu() || !menu) return;
+    for (const Site* item : recordsOf(run.trace, {}, K::MenuFunction)) {
+        const int key = item->values.value(QStringLiteral("Key")).toInt();
+        if (const s_MenuFCItem* f = run.tree.menu()->findMenuFCItem(key))
+            for (const bool english : {true, false})
+                check(item, menu->inputs.first(), QStringLiteral("function item %1").arg(key), english,
+                      f->name.value(english ? QStringLiteral("en") : QStringLiteral("zh_CN")).isEmpty());
     }
 }
 
