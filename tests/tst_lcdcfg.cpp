@@ -177,10 +177,10 @@ private Q_SLOTS:
             {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
         row("Min above Max", mosaic, "Min=\"100\" Max=\"2000\"", "Min=\"3000\" Max=\"2000\"",
             {mosaic + ":15:range-inverted"}, 1);
-        row("Value above Max", mosaic, "Value=\"744\"", "Value=\"7440\"", {mosaic + ":15:value-out-of-range"},
+        row("Value above Max", mosaic, "Value=\"744\"", "Value=\"7440\"", {mosaic + ":15:range-value-outside"},
             1);
         row("resolution of negative width", "connector/resolutions.xml", "Width=\"720\" Height=\"480\"",
-            "Width=\"-720\" Height=\"480\"", {"connector/resolutions.xml:9:size-not-positive"}, 1);
+            "Width=\"-720\" Height=\"480\"", {"connector/resolutions.xml:9:range-size-empty"}, 1);
         row("count stored as 0", "subcard/2104_12gsdi_2in.xml", "InterlacedMaxCount=\"2\"",
             "InterlacedMaxCount=\"-1\"", {"subcard/2104_12gsdi_2in.xml:7:field-overflow"}, 1);
         row("slot index in two groups", slot, "<Slot Index=\"3\"/>", "<Slot Index=\"6\"/>",

@@ -8,9 +8,7 @@
 namespace lcdcfg {
 
 // rules_values.cpp: ranges and field widths, duplicates, names
-void rangeInverted(RuleRun& run);
-void valueOutOfRange(RuleRun& run);
-void sizeNotPositive(RuleRun& run);
+void ranges(RuleRun& run); // range-inverted, range-value-outside, range-size-empty
 void fieldOverflow(RuleRun& run);
 void slotDuplicate(RuleRun& run);
 void screenTypeDuplicate(RuleRun& run);

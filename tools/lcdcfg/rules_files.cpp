@@ -16,9 +16,9 @@ namespace facts = LCD::ConfigModel::facts;
 
 namespace {
 
-QByteArray bytesOf(const QString& path) {
+QByteArray bytesOf(const QString& path, qint64 size = 4 << 20) {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(4 << 20) : QByteArray();
+    return file.open(QIODevice::ReadOnly) ? file.read(size) : QByteArray();
 }
 
 // The sub-folders of the device folder, as the devices load lists them.
@@ -48,8 +48,23 @@ bool isUtf8(const QString& encoding) {
     return encoding.isEmpty() || encoding == QLatin1String("utf-8") || encoding == QLatin1String("utf8");
 }
 
+// Well-formed UTF-8: lead bytes with their continuation bytes, no overlong
+// two-byte forms (the rarer overlong and surrogate forms are let pass).
 bool validUtf8(const QByteArray& bytes) {
-    return QString::fromUtf8(bytes).toUtf8() == bytes;
+    const auto* p = reinterpret_cast<const uchar*>(bytes.constData());
+    const auto* end = p + bytes.size();
+    while (p < end) {
+        const uchar c = *p++;
+        const int more = c < 0x80                ? 0
+                         : c >= 0xC2 && c < 0xE0 ? 1
+                         : c >= 0xE0 && c < 0xF0 ? 2
+                         : c >= 0xF0 && c < 0xF5 ? 3
+                                                 : -1;
+        if (more < 0 || end - p < more) return false;
+        for (int i = 0; i < more; ++i)
+            if ((*p++ & 0xC0) != 0x80) return false;
+    }
+    return true;
 }
 
 bool ascii(const QByteArray& bytes) {

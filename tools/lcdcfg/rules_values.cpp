@@ -20,13 +20,13 @@ const AttributeTrace* readOf(const Trace& trace, const Site* site, const QString
 
 namespace {
 
-// Calls `f(site, element)` for every element a reader read attributes of.
+// Calls `f(element, site)` for every element a reader read attributes of;
+// `site()` gives its site (looked up only for a finding).
 template <class F> void forEachRead(const RuleRun& run, F&& f) {
     for (const DocumentTrace& document : run.trace.documents())
         for (auto it = document.elements.cbegin(); it != document.elements.cend(); ++it)
             if (!it->reads.isEmpty())
-                if (const Site* site = run.trace.siteAt(document.path, it.key().first, it.key().second))
-                    f(site, *it);
+                f(*it, [&] { return run.trace.siteAt(document.path, it.key().first, it.key().second); });
 }
 
 // A bound or value the file states, as stored; null when the file leaves it to the default.
@@ -39,48 +39,41 @@ const AttributeTrace* stated(const ElementTrace& e, const char* name) {
 
 // ---- ranges and field widths ------------------------------------------------
 
-void rangeInverted(RuleRun& run) {
-    forEachRead(run, [&](const Site* site, const ElementTrace& e) {
-        const AttributeTrace* min = stated(e, "Min");
-        const AttributeTrace* max = stated(e, "Max");
-        if (min && max && min->stored.toDouble() > max->stored.toDouble())
-            run.report(site, QString(),
-                       QStringLiteral("Min %1 is above Max %2: no value fits").arg(min->stored, max->stored));
-    });
-}
-
-void valueOutOfRange(RuleRun& run) {
-    forEachRead(run, [&](const Site* site, const ElementTrace& e) {
+// One pass over every element read: bounds, values and sizes, each finding with its own code.
+void ranges(RuleRun& run) {
+    QSet<QString> cells; // a layout cell's area is judged with its layout (layout-empty-cell)
+    for (const Place& cell : run.trace.cells())
+        cells.insert(QStringLiteral("%1:%2:%3").arg(cell.document).arg(cell.line).arg(cell.column));
+    auto report = [&](const Site* at, const char* code, const QString& text) {
+        run.report(at, QString(), text, QLatin1String(code), Severity::Error);
+    };
+    forEachRead(run, [&](const ElementTrace& e, const auto& site) {
         const AttributeTrace* value = stated(e, "Value");
         const AttributeTrace* min = e.read(QStringLiteral("Min"));
         const AttributeTrace* max = e.read(QStringLiteral("Max"));
-        if (!value || !min || !max || (!min->present && !max->present)) return;
-        const bool text = value->kind == ReadKind::Text; // its length is bounded
-        const double v = text ? value->stored.size() : value->stored.toDouble();
-        if (min->stored.toDouble() <= max->stored.toDouble() &&
-            (v < min->stored.toDouble() || v > max->stored.toDouble()))
-            run.report(site, QString(),
-                       QStringLiteral("Value %1%2 is outside Min..Max (%3..%4)")
-                           .arg(text ? QStringLiteral("\"%1\" of length ").arg(value->stored) : QString())
-                           .arg(v)
-                           .arg(min->stored, max->stored));
-    });
-}
-
-// Resolutions and sizes; a layout cell's area is judged with its layout (layout-empty-cell).
-void sizeNotPositive(RuleRun& run) {
-    QSet<QString> cells;
-    for (const Place& cell : run.trace.cells())
-        cells.insert(QStringLiteral("%1:%2:%3").arg(cell.document).arg(cell.line).arg(cell.column));
-    forEachRead(run, [&](const Site* site, const ElementTrace& e) {
+        const bool bounded = min && max && (min->present || max->present);
+        const double low = bounded ? min->stored.toDouble() : 0;
+        const double high = bounded ? max->stored.toDouble() : 0;
+        if (bounded && min->present && max->present && low > high)
+            report(site(), "range-inverted",
+                   QStringLiteral("Min %1 is above Max %2: no value fits").arg(min->stored, max->stored));
+        const bool text = value && value->kind == ReadKind::Text; // its length is bounded
+        const double v = !value ? 0 : text ? value->stored.size() : value->stored.toDouble();
+        if (value && bounded && low <= high && (v < low || v > high))
+            report(site(), "range-value-outside",
+                   QStringLiteral("Value %1%2 is outside Min..Max (%3..%4)")
+                       .arg(text ? QStringLiteral("\"%1\" of length ").arg(value->stored) : QString())
+                       .arg(v)
+                       .arg(min->stored, max->stored));
         const AttributeTrace* width = stated(e, "Width");
         const AttributeTrace* height = stated(e, "Height");
         if (!width || !height || width->kind != ReadKind::Int ||
-            cells.contains(QStringLiteral("%1:%2:%3").arg(site->document).arg(site->line).arg(site->column)))
+            (width->stored.toInt() > 0 && height->stored.toInt() > 0))
             return;
-        if (width->stored.toInt() <= 0 || height->stored.toInt() <= 0)
-            run.report(site, QString(),
-                       QStringLiteral("a size of %1 x %2 has no area").arg(width->stored, height->stored));
+        const Site* at = site();
+        if (at && !cells.contains(QStringLiteral("%1:%2:%3").arg(at->document).arg(at->line).arg(at->column)))
+            report(at, "range-size-empty",
+                   QStringLiteral("a size of %1 x %2 has no area").arg(width->stored, height->stored));
     });
 }
 
@@ -106,12 +99,15 @@ void fieldOverflow(RuleRun& run) {
         for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
             const QString folder = run.modelFolder(m++);
             if (folder.isEmpty()) continue; // no file of the model was read
-            for (const Site* site : run.trace.find(run.under(folder), QString(), {})) {
-                const AttributeTrace* a = readOf(run.trace, site, QStringLiteral("ModuleId"));
-                if (!a || a->kind != ReadKind::UInt) continue; // the feature file's
-                check(site, "ModuleId", device.feature.moduleId);
-                check(site, "ConnectorPluginMode", device.feature.connectorPluginMode);
-            }
+            const auto inFolder = run.under(folder);
+            for (const DocumentTrace& d : run.trace.documents())
+                for (auto it = d.elements.cbegin(); inFolder(d.path) && it != d.elements.cend(); ++it) {
+                    const AttributeTrace* a = it->read(QStringLiteral("ModuleId"));
+                    if (!a || a->kind != ReadKind::UInt) continue; // the feature file's
+                    const Site* site = run.trace.siteAt(d.path, it.key().first, it.key().second);
+                    check(site, "ModuleId", device.feature.moduleId);
+                    check(site, "ConnectorPluginMode", device.feature.connectorPluginMode);
+                }
         }
 }
 
