@@ -93,28 +93,27 @@ void addLoadProblems(const PartLoad& load, const FileOf& fileOf, const QString& 
     if (!file.isEmpty()) problems.add({file, 0, 0, severity, QStringLiteral("load"), load.error});
 }
 
-// The ids a component holds: card models, or the connector types its files name.
-QSet<int> idsOf(const Tree& tree, Part part, const Trace& trace) {
+// The ids the records of `part` read from `document` (any when empty) give,
+// kept or not: card models, or connector types.
+QSet<int> idsRead(const Trace& trace, Part part, const QString& document = QString()) {
+    const bool cards = part == Part::Cards;
+    const QString id = cards ? QStringLiteral("ModelId") : QStringLiteral("Type");
+    QSet<int> ids;
+    for (const Site* site : trace.records(cards ? RecordKind::Card : RecordKind::ConnectorDescription))
+        if ((document.isEmpty() || site->document == document) && site->values.contains(id))
+            ids.insert(site->values.value(id).toInt());
+    return ids;
+}
+
+// The ids a component holds: card models, or connector types.
+QSet<int> idsHeld(const Tree& tree, Part part, const Trace& trace) {
     QSet<int> ids;
     if (part == Part::Cards && tree.cards())
         for (const Subcard::s_Subcard& card : tree.cards()->subcardConfig())
             ids.insert(card.modelId);
     if (part == Part::Connectors && tree.connectors())
-        for (const Site* site :
-             trace.find([](const QString&) { return true; }, QStringLiteral("Connector"), {}))
-            if (site->values.contains(QStringLiteral("Type")) &&
-                tree.connectors()->findEDIDInfo(site->values.value(QStringLiteral("Type")).toInt()))
-                ids.insert(site->values.value(QStringLiteral("Type")).toInt());
-    return ids;
-}
-
-// The card models a file names (its cards read before the load stopped there).
-QSet<int> namedIn(const Trace& trace, const QString& document) {
-    QSet<int> ids;
-    for (const Site* site :
-         trace.find([&](const QString& d) { return d == document; }, QStringLiteral("Subcard"), {}))
-        if (site->values.contains(QStringLiteral("ModelId")))
-            ids.insert(site->values.value(QStringLiteral("ModelId")).toInt());
+        for (int type : idsRead(trace, part))
+            if (tree.connectors()->findEDIDInfo(type)) ids.insert(type);
     return ids;
 }
 
@@ -153,7 +152,7 @@ QSet<int> loadFiles(const Tree& tree, Part part, const QStringList& files, Probl
         tree.relative(files.value(0)), problems);
     const QString last = load.documents.isEmpty() ? QString() : load.documents.last();
     *stop = load.ok ? QString() : names.value(last);
-    return idsOf(alone, part, trace) + (load.ok ? QSet<int>() : namedIn(trace, last));
+    return idsHeld(alone, part, trace) + (load.ok ? QSet<int>() : idsRead(trace, part, last));
 }
 
 QString joined(QSet<int> ids) {
@@ -176,10 +175,10 @@ QSet<int> checkEachFile(Tree& tree, Part part, const Trace& trace, Problems& pro
     const QStringList files =
         part == Part::Cards ? facts::catalogueFiles(folder) : facts::connectorFiles(folder);
     QString stop = load->documents.last();
-    QSet<int> named = namedIn(trace, stop);
+    QSet<int> named = idsRead(trace, part, stop);
     for (int at = files.indexOf(stop); at >= 0 && at + 1 < files.size(); at = files.indexOf(stop))
         named += loadFiles(tree, part, files.mid(at + 1), problems, &stop);
-    const QSet<int> lost = named - idsOf(tree, part, trace);
+    const QSet<int> lost = named - idsHeld(tree, part, trace);
     if (!lost.isEmpty())
         problems.add(
             {tree.relative(load->documents.last()), 0, 0, Severity::Error, QStringLiteral("records-lost"),

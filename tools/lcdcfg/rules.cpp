@@ -18,10 +18,6 @@ namespace {
 namespace facts = LCD::ConfigModel::facts;
 using K = RecordKind;
 
-QString number(qint64 n) {
-    return QString::number(n);
-}
-
 // ---- slots, cards and connectors ------------------------------------------
 
 void cardUnknown(RuleRun& run) {
@@ -57,21 +53,19 @@ void connectorTypeUndescribed(RuleRun& run) {
     if (!run.tree.cards() || !run.tree.connectors()) return;
     int position = 0;
     for (const Subcard::s_Subcard& card : run.tree.cards()->subcardConfig()) {
-        const QString document = cardDocument(run, position++);
-        QVector<int> types;
-        for (const Subcard::s_Connector& c : card.connectors.connectors)
-            types << c.type;
-        for (const Subcard::s_TypesConnector& c : card.connectors.types)
-            types << c.type;
-        for (int type : types) {
-            if (run.tree.connectors()->findEDIDInfo(type) || run.lostConnectorTypes.contains(type)) continue;
-            const auto hits =
-                run.trace.find(run.is(document), QStringLiteral("Connector"), {{"Type", number(type)}});
-            run.report(hits.value(0), document,
+        const Step at{K::Card, position++};
+        const QString document = cardDocument(run, at.index);
+        auto check = [&](int type, const Step& step) {
+            if (run.tree.connectors()->findEDIDInfo(type) || run.lostConnectorTypes.contains(type)) return;
+            run.report(run.trace.record({at, step}), document,
                        QStringLiteral("card %1 uses connector type %2, which no connector file describes")
                            .arg(card.modelId)
                            .arg(type));
-        }
+        };
+        for (size_t i = 0; i < card.connectors.connectors.size(); ++i)
+            check(card.connectors.connectors[i].type, {K::Connector, int(i)});
+        for (size_t i = 0; i < card.connectors.types.size(); ++i)
+            check(card.connectors.types[i].type, {K::ConnectorType, int(i)});
     }
 }
 
@@ -132,29 +126,35 @@ void crosscardModuleUnknown(RuleRun& run) {
     if (!run.tree.cards() || !run.tree.devices()) return;
     int m = 0;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-        const QString folder = run.modelFolder(m++);
-        auto check = [&](int id, const char* tag, const char* attribute) {
+        const Step model{K::Model, m++};
+        const QString folder = run.modelFolder(model.index);
+        auto check = [&](int id, const RecordPath& path) {
             if (run.knownCard(id)) return;
             run.report(
-                run.first(folder, QLatin1String(tag), {{attribute, number(id)}}), folder,
+                run.trace.record(path), folder,
                 QStringLiteral("cross-card groups name card model %1, which is not in the card catalogue")
                     .arg(id));
         };
-        for (const CrossCard::s_CrossSubcard& card : device.crossSubcards) {
-            check(card.moduleId, "Subcard", "Value");
-            for (const CrossCard::s_CrossDeviceMode& mode : card.deviceModes)
-                for (const CrossCard::s_CrossConnectorGroups& group : mode.groups)
-                    for (const CrossCard::s_CrossConnectorGroup& member : group.connectors)
-                        check(member.moduleId, "Connector", "ModuleId");
+        for (int c = 0; c < int(device.crossSubcards.size()); ++c) {
+            const CrossCard::s_CrossSubcard& card = device.crossSubcards[c];
+            const RecordPath entry{model, {K::CrossCard, c}};
+            check(card.moduleId, entry);
+            for (size_t d = 0; d < card.deviceModes.size(); ++d)
+                for (size_t g = 0; g < card.deviceModes[d].groups.size(); ++g) {
+                    const auto& members = card.deviceModes[d].groups[g].connectors;
+                    for (size_t n = 0; n < members.size(); ++n)
+                        check(members[n].moduleId, entry + RecordPath{{K::CrossMode, int(d)},
+                                                                      {K::CrossGroup, int(g)},
+                                                                      {K::CrossMember, int(n)}});
+                }
         }
     }
 }
 
-// Every `tag` of the print-key table whose ModelId is not `known`.
-void printkeyModels(RuleRun& run, const QString& tag, const std::function<bool(int)>& known,
+// Every record of `kind` of the print-key table whose ModelId is not `known`.
+void printkeyModels(RuleRun& run, RecordKind kind, const std::function<bool(int)>& known,
                     const QString& text) {
-    const PartLoad* load = run.tree.loadOf(Part::PrintKeys);
-    for (const Site* site : run.trace.find(run.is(load->inputs.first()), tag, {})) {
+    for (const Site* site : run.trace.records(kind)) {
         const QString id = site->values.value(QStringLiteral("ModelId"));
         if (!id.isEmpty() && !known(id.toInt())) run.report(site, QString(), text.arg(id));
     }
@@ -167,21 +167,24 @@ void printkeyModelUnknown(RuleRun& run) {
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs())
         models.insert(device.modelId);
     printkeyModels(
-        run, QStringLiteral("Device"), [&](int id) { return models.contains(id); },
+        run, K::PrintKeyDevice, [&](int id) { return models.contains(id); },
         QStringLiteral("print keys for device model %1, which no device folder describes"));
     if (run.tree.cards())
         printkeyModels(
-            run, QStringLiteral("Subcard"), [&](int id) { return run.knownCard(id); },
+            run, K::PrintKeyCard, [&](int id) { return run.knownCard(id); },
             QStringLiteral("print keys for card model %1, which is not in the card catalogue"));
 }
 
 // ---- menu -----------------------------------------------------------------
 
-QVector<const s_MenuItem*> menuNodes(const s_MenuItem* root) {
-    QVector<const s_MenuItem*> nodes{root};
-    for (int i = 0; i < nodes.size(); ++i)
-        for (const s_MenuItem* child : nodes[i]->children)
-            nodes << child;
+// Every node of the menu tree with the place of its record, the top node first.
+QVector<QPair<const s_MenuItem*, RecordPath>> menuNodes(const s_MenuItem* root) {
+    QVector<QPair<const s_MenuItem*, RecordPath>> nodes{{root, {{K::MenuItem, 0}}}};
+    for (int i = 0; i < nodes.size(); ++i) {
+        const auto node = nodes[i]; // a copy: the list grows
+        for (int c = 0; c < node.first->children.size(); ++c)
+            nodes.push_back({node.first->children[c], node.second + RecordPath{{K::MenuItem, c}}});
+    }
     return nodes;
 }
 
@@ -205,36 +208,34 @@ void menuEmptyRule(RuleRun& run) {
 void menuKeyWithoutItem(RuleRun& run) {
     const PartLoad* load = menuLoaded(run);
     if (!load) return;
-    const auto file = run.is(load->inputs.last());
     if (menuEmpty(run.tree.menu())) return;
-    QVector<const s_MenuItem*> without;
-    for (const s_MenuItem* node : menuNodes(run.tree.menu()->rootMenuItem()))
-        if (!run.tree.menu()->findMenuFCItem(node->key)) without << node;
-    if (without.size() > 1 &&
-        run.trace.find(run.is(load->inputs.first()), QStringLiteral("MenuItem"), {}).isEmpty()) {
+    QVector<QPair<const s_MenuItem*, RecordPath>> without;
+    for (const auto& node : menuNodes(run.tree.menu()->rootMenuItem()))
+        if (!run.tree.menu()->findMenuFCItem(node.first->key)) without << node;
+    if (without.size() > 1 && run.trace.records(K::MenuFunction).isEmpty()) {
         // one cause, one problem: the function-item file gave none
         run.report(nullptr, load->inputs.first(),
                    QStringLiteral("no function item was read: none of the %1 menu keys has one")
                        .arg(without.size()));
         return;
     }
-    for (const s_MenuItem* node : without)
-        run.report(run.trace.find(file, QStringLiteral("MenuItem"), {{"Key", number(node->key)}}).value(0),
-                   load->inputs.last(),
+    for (const auto& node : without)
+        run.report(run.trace.record(node.second), load->inputs.last(),
                    QStringLiteral("menu key %1 has no function item in %2")
-                       .arg(node->key)
+                       .arg(node.first->key)
                        .arg(run.tree.relative(load->inputs.first())));
 }
 
 void menuKeyDuplicate(RuleRun& run) {
     const PartLoad* load = menuLoaded(run);
     if (!load) return;
-    for (const QString& input : load->inputs) {
+    const RecordKind kinds[] = {K::MenuFunction, K::MenuItem}; // the two inputs' records
+    for (int i = 0; i < 2; ++i) {
         QHash<QString, int> seen;
-        for (const Site* site : run.trace.find(run.is(input), QStringLiteral("MenuItem"), {})) {
+        for (const Site* site : run.trace.records(kinds[i])) {
             const QString key = site->values.value(QStringLiteral("Key"));
             if (key.isEmpty() || seen[key]++ == 0) continue;
-            run.report(site, input,
+            run.report(site, load->inputs.value(i),
                        QStringLiteral("menu key %1 appears more than once in this file").arg(key));
         }
     }

@@ -156,7 +156,9 @@ void Trace::recordStarted(const RecordRead& record) {
         return;
     }
     const Site& site = siteOf(record.element);
-    m_records.insert(m_place, int(&site - m_sites.constData()));
+    const int at = int(&site - m_sites.constData());
+    m_records.insert(m_place, at);
+    m_started.push_back({record.kind, at});
 }
 
 void Trace::recordEnded(RecordKind) {
@@ -169,6 +171,13 @@ const Site* Trace::record(const RecordPath& path) const {
         place << int(step.kind) << step.index << step.key;
     const auto it = m_records.constFind(place);
     return it == m_records.constEnd() || m_sites[*it].document.isEmpty() ? nullptr : &m_sites[*it];
+}
+
+QVector<const Site*> Trace::records(RecordKind kind) const {
+    QVector<const Site*> sites;
+    for (const auto& started : m_started)
+        if (started.first == kind) sites << &m_sites[started.second];
+    return sites;
 }
 
 Site& Trace::siteOf(const QDomElement& element) {

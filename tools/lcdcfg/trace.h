@@ -165,6 +165,9 @@ public:
     // The element the record at `path` was read from, as the library told it
     // (a model's is its folder, at line 0); null when no record was read there.
     const Site* record(const RecordPath& path) const;
+    // The element of every record of `kind` the library started, in reading
+    // order, kept or not (a rejected card too).
+    QVector<const Site*> records(LCD::ConfigModel::RecordKind kind) const;
 
     // -- what report draws that the records do not carry
     const QVector<Place>& cells() const { return m_cells; } // every layout cell, in reading order
@@ -203,7 +206,8 @@ private:
     QHash<QString, int> m_cardDocs;
     QVector<int> m_place;               // the records being read: kind, index, key each
     QHash<QVector<int>, int> m_records; // a record's place to its site
-    int m_folderSite = -1;              // a model whose folder is not known yet
+    QVector<QPair<LCD::ConfigModel::RecordKind, int>> m_started; // every record read: its kind and site
+    int m_folderSite = -1;                                       // a model whose folder is not known yet
 };
 
 // The key of an element in a document trace.
