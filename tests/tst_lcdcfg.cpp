@@ -177,8 +177,8 @@ private Q_SLOTS:
             {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
         row("Min above Max", mosaic, "Min=\"100\" Max=\"2000\"", "Min=\"3000\" Max=\"2000\"",
             {mosaic + ":15:range-inverted"}, 1);
-        row("Value above Max", mosaic, "Value=\"744\"", "Value=\"7440\"", {mosaic + ":15:range-value-outside"},
-            1);
+        row("Value above Max", mosaic, "Value=\"744\"", "Value=\"7440\"",
+            {mosaic + ":15:range-value-outside"}, 1);
         row("resolution of negative width", "connector/resolutions.xml", "Width=\"720\" Height=\"480\"",
             "Width=\"-720\" Height=\"480\"", {"connector/resolutions.xml:9:range-size-empty"}, 1);
         row("count stored as 0", "subcard/2104_12gsdi_2in.xml", "InterlacedMaxCount=\"2\"",
@@ -244,6 +244,9 @@ private Q_SLOTS:
         row("card pairing with an unknown card", "subcard/2101_hdmi20_4in.xml",
             "Association ModelId=\"2103\"", "Association ModelId=\"2109\"",
             {"subcard/2101_hdmi20_4in.xml:14:association-unknown"}, 1);
+        row("grouping after the first cross-card device mode", cross,
+            "</DeviceMode>\n        <DeviceMode Value=\"2\">",
+            "</DeviceMode><Offset/>\n        <DeviceMode Value=\"2\">", {cross + ":16:element-read-as"}, 1);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 

@@ -188,6 +188,10 @@ void elementReadAs(RuleRun& run) {
                    QStringLiteral("%1 slot").arg(QLatin1String(facts::kSlotGroups[size_t(g)].element)),
                    QStringLiteral("Index"));
         }
+        for (int i = 0; i < int(device.crossSubcards.size()); ++i)
+            readAs(run, {model, {K::CrossCard, i}}, K::CrossMode,
+                   int(device.crossSubcards[size_t(i)].deviceModes.size()),
+                   QStringLiteral("cross-card device mode"), QStringLiteral("Value"));
         for (int s = 0; s < device.screens.size(); ++s) {
             const RecordPath screen{model, {K::Screen, s}};
             const auto& modes = device.screens[s].deviceModes;
