@@ -178,30 +178,42 @@ void printkeyCardDuplicate(RuleRun& run) {
     }
 }
 
-void crosscardCardDuplicate(RuleRun& run) {
+// Per model, the ids of one of its lists of records (`kind` below the model) repeated.
+void modelRepeats(RuleRun& run, K kind, const std::function<QVector<int>(const Devicecfg::s_Device&)>& ids,
+                  const QString& what, const QString& consequence) {
     if (!run.tree.devices()) return;
     int m = 0;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
         const Step model{K::Model, m++};
         QVector<Item> items;
-        for (const CrossCard::s_CrossSubcard& card : device.crossSubcards)
-            items.push_back({QString::number(card.moduleId), {model, {K::CrossCard, items.size()}}});
-        repeats(run, items, run.modelFolder(model.index), QStringLiteral("card model %1"),
-                QStringLiteral("the host takes the cross-card groups of the first"));
+        for (int id : ids(device))
+            items.push_back({QString::number(id), {model, {kind, items.size()}}});
+        repeats(run, items, run.modelFolder(model.index), what, consequence);
     }
 }
 
+void crosscardCardDuplicate(RuleRun& run) {
+    modelRepeats(
+        run, K::CrossCard,
+        [](const Devicecfg::s_Device& device) {
+            QVector<int> ids;
+            for (const CrossCard::s_CrossSubcard& card : device.crossSubcards)
+                ids << card.moduleId;
+            return ids;
+        },
+        QStringLiteral("card model %1"), QStringLiteral("the host takes the cross-card groups of the first"));
+}
+
 void layerTypeDuplicate(RuleRun& run) {
-    if (!run.tree.devices()) return;
-    int m = 0;
-    for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-        const Step model{K::Model, m++};
-        QVector<Item> items;
-        for (const Layercfg::s_VrnLayer& layer : device.layers)
-            items.push_back({QString::number(layer.type), {model, {K::Layer, items.size()}}});
-        repeats(run, items, run.modelFolder(model.index), QStringLiteral("layer type %1"),
-                QStringLiteral("the host uses the first layer file of the type"));
-    }
+    modelRepeats(
+        run, K::Layer,
+        [](const Devicecfg::s_Device& device) {
+            QVector<int> ids;
+            for (const Layercfg::s_VrnLayer& layer : device.layers)
+                ids << layer.type;
+            return ids;
+        },
+        QStringLiteral("layer type %1"), QStringLiteral("the host uses the first layer file of the type"));
 }
 
 void connectorPositionDuplicate(RuleRun& run) {
