@@ -7,6 +7,8 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QXmlStreamReader>
 
+#include <algorithm>
+
 #include "tools/lcdcfg/rulebook.h"
 
 namespace lcdcfg {
@@ -40,7 +42,7 @@ QSet<QString> filesOpened(const RuleRun& run) {
 // The encoding the XML declaration names, lower case ("" when none).
 QString declaredEncoding(const QByteArray& bytes) {
     static const QRegularExpression declaration(
-        QStringLiteral("^(?:\\x{feff})?<\\?xml[^>]*encoding\\s*=\\s*[\"']([^\"']+)"));
+        QStringLiteral("^(?:\\x{ef}\\x{bb}\\x{bf})?<\\?xml[^>]*encoding\\s*=\\s*[\"']([^\"']+)"));
     return declaration.match(QString::fromLatin1(bytes.left(200))).captured(1).toLower();
 }
 
