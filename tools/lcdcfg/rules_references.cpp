@@ -99,6 +99,7 @@ template <class F> void forEachMember(RuleRun& run, F&& f) {
 void crosscardSlotUnknown(RuleRun& run) {
     forEachMember(run, [&](const Devicecfg::s_Device& device, const QString& folder,
                            const CrossCard::s_CrossConnectorGroup& member, const Site* at) {
+        if (device.slot == Slot::s_VrnSolt{}) return; // no slot file read: reported as such
         for (const facts::SlotGroupFacts& group : facts::kSlotGroups)
             for (const Slot::s_Slot& slot : (device.slot.slots.*group.member).slots)
                 if (slot.index == member.slot) return;
