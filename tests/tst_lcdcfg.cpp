@@ -31,17 +31,20 @@ void plant(const QString& path, const QString& from, const QString& to) {
         return;
     }
     if (from == "rename") {
+        QVERIFY(QDir().mkpath(QFile::decodeName(renamed(path, to)).section('/', 0, -2)));
         QVERIFY(::rename(QFile::encodeName(path).constData(), renamed(path, to).constData()) == 0);
         return;
     }
+    const bool latin1 = from.startsWith("latin1:"); // the file is saved as Latin-1 too
+    const QString what = latin1 ? from.mid(7) : from;
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QString text = QString::fromUtf8(file.readAll());
     file.close();
-    QVERIFY2(from.isEmpty() || text.contains(from), qPrintable(from));
-    text = from.isEmpty() ? to : text.replace(from, to);
+    QVERIFY2(what.isEmpty() || text.contains(what), qPrintable(what));
+    text = what.isEmpty() ? to : text.replace(what, to);
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(text.toUtf8());
+    file.write(latin1 ? text.toLatin1() : text.toUtf8());
 }
 
 // Every entry under `root`, to show that checking it changes nothing.
@@ -87,8 +90,9 @@ private Q_SLOTS:
     }
 
     // One planted fault per row, each on a fresh copy of the shipped tree:
-    // `from` "*" removes `file`, "mkdir" makes it a folder, an empty `from` writes `to` as the file,
-    // otherwise every `from` becomes `to`; "|" plants it in several files;
+    // `from` "*" removes `file`, "mkdir" makes it a folder, "rename" moves it to `to` (relative to its
+    // folder), an empty `from` writes `to` as the file, otherwise every `from` becomes `to` (with a
+    // "latin1:" prefix, in a file then saved as Latin-1); "|" plants it in several files;
     // file "<root>" renames the tree to `to`. Every "FILE:LINE:CODE" of
     // `expected` is reported, with that exit status, and nothing is created.
     void plantedFaults_data() {
@@ -154,11 +158,14 @@ private Q_SLOTS:
             {"func/hdr/lcdhdrinputconfig.xml:16:hdr-value-without-text"}, 1);
         row("duplicated card id", "subcard/2103_dp12_2in.xml", "ModelId=\"2103\"", "ModelId=\"2102\"",
             {"subcard/2103_dp12_2in.xml:6:card-duplicate"}, 1);
-        row("empty Chinese card name warns", "subcard/2102_dvi_4in.xml", "<zh_CN>4路DVI输入卡</zh_CN>",
-            "<zh_CN></zh_CN>", {"subcard/2102_dvi_4in.xml:6:name-missing-zh"}, 0);
-        row("no English device name warns", "device/29974/29974_feature.xml",
-            "<en>4U LCD Splicing Processor</en>", "", {"device/29974/29974_feature.xml:11:name-missing-en"},
-            0);
+        row("empty Chinese card name", "subcard/2102_dvi_4in.xml", "<zh_CN>4路DVI输入卡</zh_CN>",
+            "<zh_CN></zh_CN>", {"subcard/2102_dvi_4in.xml:6:name-missing-zh"}, 1);
+        row("no English device name", "device/29974/29974_feature.xml", "<en>4U LCD Splicing Processor</en>",
+            "", {"device/29974/29974_feature.xml:11:name-missing-en"}, 1);
+        row("template without Chinese name", mosaic, " zh_CN=\"横向条屏 1x4\"", "",
+            {mosaic + ":12:name-missing-zh"}, 1);
+        row("function item without English name", "menu/menufcitems.xml", "<en>Screens</en>", "",
+            {"menu/menufcitems.xml:9:name-missing-en"}, 1);
         row("current device missing", "device/29974", "*", "", {"device:0:current-device-missing"}, 1);
         row("empty model folder warns", "device/12345", "mkdir", "", {"device/12345:0:model-dir-empty"}, 0);
         row("missing directory, not created", "subcard", "*", "", {"subcard:0:directory-missing"}, 1);
@@ -168,6 +175,78 @@ private Q_SLOTS:
             {"ui/checklist.xml:1:missing-element"}, 1);
         row("missing HDR file warns", "func/hdr/lcdhdrinputconfig.xml", "*", "",
             {"func/hdr/lcdhdrinputconfig.xml:0:load"}, 0);
+        row("Min above Max", mosaic, "Min=\"100\" Max=\"2000\"", "Min=\"3000\" Max=\"2000\"",
+            {mosaic + ":15:range-inverted"}, 1);
+        row("Value above Max", mosaic, "Value=\"744\"", "Value=\"7440\"",
+            {mosaic + ":15:range-value-outside"}, 1);
+        row("resolution of negative width", "connector/resolutions.xml", "Width=\"720\" Height=\"480\"",
+            "Width=\"-720\" Height=\"480\"", {"connector/resolutions.xml:9:range-size-empty"}, 1);
+        row("count stored as 0", "subcard/2104_12gsdi_2in.xml", "InterlacedMaxCount=\"2\"",
+            "InterlacedMaxCount=\"-1\"", {"subcard/2104_12gsdi_2in.xml:7:field-overflow"}, 1);
+        row("slot index in two groups", slot, "<Slot Index=\"3\"/>", "<Slot Index=\"6\"/>",
+            {slot + ":33:slot-duplicate"}, 1);
+        row("two screen files of one type", splice, "Screen Type=\"1\"", "Screen Type=\"2\"",
+            {splice + ":3:screen-type-duplicate"}, 1);
+        row("HDR value twice", "func/hdr/lcdhdrinputconfig.xml", "<SupportValue>10<", "<SupportValue>8<",
+            {"func/hdr/lcdhdrinputconfig.xml:17:hdr-value-duplicate"}, 1);
+        row("model folder not named by a number", "device/29974", "rename", "v29974",
+            {"device/v29974:0:model-dir-unnamed"}, 1);
+        row("model without feature file", "device/29974/29974_feature.xml", "*", "",
+            {"device/29974:0:model-file-missing"}, 1);
+        row("card file one folder too deep", "subcard/2104_12gsdi_2in.xml", "rename", "mixed/x/2104.xml",
+            {"subcard/mixed/x/2104.xml:0:file-misplaced"}, 1);
+        row("HDR file out of its folder", "func/hdr/lcdhdrinputconfig.xml", "rename", "../input.xml",
+            {"func/input.xml:0:file-misplaced"}, 1);
+        row("file name of two kinds", "device/29974/29974_layer_pip.xml", "rename", "29974_slot_layer.xml",
+            {"device/29974/29974_slot_layer.xml:0:file-kind-ambiguous"}, 1);
+        row("Latin-1 declared, UTF-8 written", "subcard/2102_dvi_4in.xml", "encoding=\"UTF-8\"",
+            "encoding=\"ISO-8859-1\"", {"subcard/2102_dvi_4in.xml:8:encoding-mismatch"}, 1);
+        row("saved in another encoding", "subcard/2102_dvi_4in.xml", "latin1:4路DVI输入卡", "4-DVI carté",
+            {"subcard/2102_dvi_4in.xml:8:text-undecodable"}, 1);
+        row("unknown entity", "subcard/2102_dvi_4in.xml", "<en>", "<en>4&nbsp;",
+            {"subcard/2102_dvi_4in.xml:9:entity-unknown"}, 1);
+        row("element left open", "device/29974/29974_feature.xml", "<HDR Support=\"1\" Editable=\"1\"/>",
+            "<HDR Support=\"1\" Editable=\"1\">",
+            {"device/29974/29974_feature.xml:16:element-unclosed",
+             "device/29974/29974_feature.xml:252:parse"},
+            1);
+        row("accepted cards after the first slot", slot, "<Slot Index=\"8\"/>",
+            "<Slot Index=\"8\"/><Subcards><Subcard ModuleId=\"3101\"/></Subcards>",
+            {slot + ":35:element-read-as"}, 1);
+        const QString cross = "device/29974/29974_crosscard.xml";
+        row("key code twice", "ui/checklist.xml", "Value=\"17\"", "Value=\"16\"",
+            {"ui/checklist.xml:7:key-duplicate"}, 1);
+        row("card twice in the print keys", "ui/printkeynoconfig.xml", "ModelId=\"2103\"", "ModelId=\"2102\"",
+            {"ui/printkeynoconfig.xml:18:printkey-card-duplicate"}, 1);
+        row("card twice in the cross-card file", cross, "<Subcard Value=\"3101\">",
+            "<Subcard Value=\"2101\">", {cross + ":33:crosscard-card-duplicate"}, 1);
+        row("two layer files of one type", "device/29974/29974_layer_pip.xml", "Layer Type=\"2\"",
+            "Layer Type=\"1\"",
+            {"device/29974/29974_layer_pip.xml:4:layer-type-duplicate", mosaic + ":106:layer-type-unknown"},
+            1);
+        row("two connectors at one position", "subcard/2101_hdmi20_4in.xml",
+            "InterfaceType=\"2\" Position=\"2\"", "InterfaceType=\"2\" Position=\"1\"",
+            {"subcard/2101_hdmi20_4in.xml:65:connector-position-duplicate",
+             "ui/printkeynoconfig.xml:8:printkey-position-unknown"},
+            1);
+        row("connector type described twice", "connector/connector_dp12.xml", "Connector Type=\"8\"",
+            "Connector Type=\"6\"", {"connector/connector_hdmi20.xml:7:connector-type-duplicate"}, 1);
+        row("resolution twice in a mode", "connector/resolutions.xml",
+            "Width=\"720\" Height=\"480\" RefreshRate=\"5994\"",
+            "Width=\"640\" Height=\"480\" RefreshRate=\"6000\"",
+            {"connector/resolutions.xml:9:resolution-duplicate"}, 1);
+        row("cross-card member in no slot", cross, "Slot=\"2\" Position=\"1\"", "Slot=\"42\" Position=\"1\"",
+            {cross + ":22:crosscard-slot-unknown"}, 1);
+        row("cross-card member on no connector", cross, "Slot=\"2\" Position=\"1\"",
+            "Slot=\"2\" Position=\"7\"", {cross + ":22:crosscard-connector-unknown"}, 1);
+        row("mixed slot naming a group its card lacks", slot, "ConnectorGroup Value=\"2\"",
+            "ConnectorGroup Value=\"7\"", {slot + ":46:connector-group-unknown"}, 1);
+        row("card pairing with an unknown card", "subcard/2101_hdmi20_4in.xml",
+            "Association ModelId=\"2103\"", "Association ModelId=\"2109\"",
+            {"subcard/2101_hdmi20_4in.xml:14:association-unknown"}, 1);
+        row("grouping after the first cross-card device mode", cross,
+            "</DeviceMode>\n        <DeviceMode Value=\"2\">",
+            "</DeviceMode><Offset/>\n        <DeviceMode Value=\"2\">", {cross + ":16:element-read-as"}, 1);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 

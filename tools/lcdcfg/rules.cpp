@@ -7,6 +7,7 @@
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/layout.h"
+#include "tools/lcdcfg/rulebook.h"
 
 namespace lcdcfg {
 
@@ -425,13 +426,41 @@ const Rule kRules[] = {
     {"model-duplicate", Severity::Error, modelDuplicate},
     {"card-duplicate", Severity::Error, cardDuplicate},
     {"current-device-missing", Severity::Error, currentDeviceMissing},
-    {"name-missing-en", Severity::Warning, nameMissingEn},
-    {"name-missing-zh", Severity::Warning, nameMissingZh},
+    {"name-missing-en", Severity::Error, nameMissingEn},
+    {"name-missing-zh", Severity::Error, nameMissingZh},
     {"element-misspelt", Severity::Error, elementMisspelt},
     {"attribute-misspelt", Severity::Error, attributeMisspelt},
     {"file-unread", Severity::Error, fileUnread},
     {"number-invalid", Severity::Error, numberInvalid},
     {"model-dir-empty", Severity::Warning, modelDirEmpty},
+    {"range-*", Severity::Error, ranges},
+    {"field-overflow", Severity::Error, fieldOverflow},
+    {"slot-duplicate", Severity::Error, slotDuplicate},
+    {"screen-type-duplicate", Severity::Error, screenTypeDuplicate},
+    {"hdr-value-duplicate", Severity::Error, hdrValueDuplicate},
+    {"name-missing-*", Severity::Error, shownNameMissing},
+    {"model-dir-unnamed", Severity::Error, modelDirUnnamed},
+    {"model-file-missing", Severity::Error, modelFileMissing},
+    {"file-misplaced", Severity::Error, fileMisplaced},
+    {"file-kind-ambiguous", Severity::Error, fileKindAmbiguous},
+    {"encoding-mismatch", Severity::Error, encodingMismatch},
+    {"text-undecodable", Severity::Error, textUndecodable},
+    {"entity-unknown", Severity::Error, entityUnknown},
+    {"element-unclosed", Severity::Error, elementUnclosed},
+    {"element-read-as", Severity::Error, elementReadAs},
+    {"key-duplicate", Severity::Error, keyDuplicate},
+    {"printkey-card-duplicate", Severity::Error, printkeyCardDuplicate},
+    {"crosscard-card-duplicate", Severity::Error, crosscardCardDuplicate},
+    {"layer-type-duplicate", Severity::Error, layerTypeDuplicate},
+    {"connector-position-duplicate", Severity::Error, connectorPositionDuplicate},
+    {"connector-type-duplicate", Severity::Error, connectorTypeDuplicate},
+    {"resolution-duplicate", Severity::Error, resolutionDuplicate},
+    {"connector-group-unknown", Severity::Error, connectorGroupUnknown},
+    {"crosscard-slot-unknown", Severity::Error, crosscardSlotUnknown},
+    {"crosscard-connector-unknown", Severity::Error, crosscardConnectorUnknown},
+    {"printkey-position-unknown", Severity::Error, printkeyPositionUnknown},
+    {"layer-type-unknown", Severity::Error, layerTypeUnknown},
+    {"association-unknown", Severity::Error, associationUnknown},
 };
 
 } // namespace
