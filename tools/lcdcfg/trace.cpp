@@ -59,6 +59,28 @@ const DocumentTrace* Trace::document(const QString& path) const {
     return nullptr;
 }
 
+void Trace::append(const Trace& other) {
+    const int offset = m_sites.size();
+    m_documents += other.m_documents;
+    m_sites += other.m_sites;
+    for (auto it = other.m_index.constBegin(); it != other.m_index.constEnd(); ++it)
+        if (!m_index.contains(it.key())) m_index.insert(it.key(), *it + offset);
+    m_missing += other.m_missing;
+    m_failures += other.m_failures;
+    m_badNumbers += other.m_badNumbers;
+    m_nearAttributes += other.m_nearAttributes;
+    m_cells += other.m_cells;
+    m_seenCells += other.m_seenCells;
+    for (auto it = other.m_names.constBegin(); it != other.m_names.constEnd(); ++it)
+        if (!m_names.contains(it.key())) m_names.insert(it.key(), *it);
+    for (auto it = other.m_connectorDocs.constBegin(); it != other.m_connectorDocs.constEnd(); ++it)
+        if (!m_connectorDocs.contains(it.key())) m_connectorDocs.insert(it.key(), *it);
+    for (auto it = other.m_cardDocs.constBegin(); it != other.m_cardDocs.constEnd(); ++it)
+        if (!m_cardDocs.contains(it.key())) m_cardDocs.insert(it.key(), *it);
+    for (auto it = other.m_records.constBegin(); it != other.m_records.constEnd(); ++it)
+        m_records.insert(it.key(), *it + offset);
+}
+
 void Trace::documentStarted(const QString& path) {
     m_path = path;
     if (m_folderSite >= 0) m_sites[m_folderSite].document = QFileInfo(path).absolutePath();
@@ -273,6 +295,15 @@ void Vocabulary::add(const Trace& trace) {
                 addOnce(attributes[path], a.name);
         });
     }
+}
+
+void Vocabulary::add(const Vocabulary& other) {
+    for (auto it = other.children.constBegin(); it != other.children.constEnd(); ++it)
+        for (const QString& name : *it)
+            addOnce(children[it.key()], name);
+    for (auto it = other.attributes.constBegin(); it != other.attributes.constEnd(); ++it)
+        for (const QString& name : *it)
+            addOnce(attributes[it.key()], name);
 }
 
 QString closest(const QString& name, const QStringList& names) {

@@ -172,6 +172,11 @@ public:
     const QHash<QString, int>& connectorDocuments() const { return m_connectorDocs; } // document -> type
     const QHash<QString, int>& cardDocuments() const { return m_cardDocs; } // document -> first card model
 
+    // Adds what `other` recorded after what this one did, as if one trace
+    // had seen both loads (the language server keeps one trace per part and
+    // joins them).
+    void append(const Trace& other);
+
     void documentStarted(const QString& path) override;
     void documentParsed(const LCD::ConfigModel::DocumentRead& read) override;
     void documentRejected(const QDomElement& root, const QString& error) override;
@@ -232,6 +237,8 @@ struct Vocabulary {
     QHash<QString, QStringList> children;   // parent path -> child names
     QHash<QString, QStringList> attributes; // element path -> attribute names
     void add(const Trace& trace);
+    void add(const Vocabulary& other); // the same as adding the traces `other` was made of
+    bool operator==(const Vocabulary& o) const { return children == o.children && attributes == o.attributes; }
 };
 
 // The closest of `names` to `name` (case-insensitive edit distance), when it
