@@ -177,6 +177,7 @@ private:
                                                                              file, m_workspace->text(uri))}});
         }
         m_published = published;
+        m_checks->release();
     }
 
     // --verify: every check is made in full too; a difference is reported
@@ -224,8 +225,9 @@ int runLsp(const QStringList& args) {
     const QCommandLineOption stdio(QStringLiteral("stdio"),
                                    QStringLiteral("Talk over standard input and output "
                                                   "(the default and only way)."));
-    QCommandLineOption verify(QStringLiteral("verify"),
-                              QStringLiteral("Check every change in full too; exit 1 when the results differ."));
+    QCommandLineOption verify(
+        QStringLiteral("verify"),
+        QStringLiteral("Check every change in full too; exit 1 when the results differ."));
     verify.setFlags(QCommandLineOption::HiddenFromHelp);
     cl.addOption(rootOption);
     cl.addOption(stdio);

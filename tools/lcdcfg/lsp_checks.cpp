@@ -38,6 +38,8 @@ TreeChecks::~TreeChecks() = default;
 void TreeChecks::run(const QString& root) {
     m_tree = std::make_unique<Tree>(m_host, root);
     m_vocabulary.reset();
+    for (PartRun& run : m_parts)
+        run.vocabulary.reset();
     QVector<Part> all;
     for (int i = 0; i < kPartCount; ++i)
         all << static_cast<Part>(i);
@@ -63,26 +65,30 @@ void TreeChecks::update(const QStringList& changed) {
 // the problems of the whole tree.
 void TreeChecks::load(const QVector<Part>& parts) {
     m_problems = Problems();
-    m_trace.reset();
+    m_retired.push_back(std::move(m_trace));
+    bool relintAll = !m_vocabulary;
     for (Part part : parts) {
         PartRun& run = m_parts[int(part)];
+        m_retired.push_back(std::move(run.trace));
         run.trace = std::make_unique<Trace>();
         if (!m_tree->load({part}, run.trace.get())) {
             m_problems.add({QString(), 0, 0, Severity::Error, QStringLiteral("plugin"), m_tree->error()});
             return;
         }
-        run.vocabulary = std::make_unique<Vocabulary>();
-        run.vocabulary->add(*run.trace);
+        auto vocabulary = std::make_unique<Vocabulary>();
+        vocabulary->add(*run.trace);
+        relintAll = relintAll || !run.vocabulary || !(*run.vocabulary == *vocabulary);
+        run.vocabulary = std::move(vocabulary);
         run.lint.reset();
     }
     m_trace = std::make_unique<Trace>();
-    auto vocabulary = std::make_unique<Vocabulary>(*m_shipped);
-    for (const PartRun& run : m_parts) {
+    for (const PartRun& run : m_parts)
         m_trace->append(*run.trace);
-        vocabulary->add(*run.vocabulary);
+    if (relintAll) { // what the readers look for changed: every document is linted again
+        m_vocabulary = std::make_unique<Vocabulary>(*m_shipped);
+        for (const PartRun& run : m_parts)
+            m_vocabulary->add(*run.vocabulary);
     }
-    const bool relintAll = !m_vocabulary || !(*m_vocabulary == *vocabulary);
-    m_vocabulary = std::move(vocabulary);
     checkTree(*m_tree, *m_trace, m_problems);
     for (PartRun& run : m_parts) {
         if (!run.lint || relintAll) {
@@ -96,6 +102,10 @@ void TreeChecks::load(const QVector<Part>& parts) {
     dropEchoes();
     if (!m_workspaceFormats) addFormats(m_formats, *m_tree, *m_trace); // what the workspace adds
     m_workspaceFormats = true;
+}
+
+void TreeChecks::release() {
+    m_retired.clear();
 }
 
 // check and lint name one fault with one code (a number that does not

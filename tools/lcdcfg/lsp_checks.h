@@ -9,6 +9,7 @@
 #include <QtCore/QVector>
 
 #include <memory>
+#include <vector>
 
 #include "host/kvchost.h"
 #include "tools/lcdcfg/formats.h"
@@ -31,6 +32,8 @@ public:
     // for changed); the cross-file checks run over the loads kept. The
     // problems are those run() would list.
     void update(const QStringList& changed);
+    // Frees what the last run replaced (once its results are out).
+    void release();
     const QVector<Problem>& problems() const { return m_problems.list(); }
 
     // The formats of the file kinds: from the shipped tree once, and from
@@ -66,6 +69,7 @@ private:
     std::unique_ptr<Trace> m_trace;           // the parts' traces joined
     std::unique_ptr<Tree> m_tree;
     PartRun m_parts[kPartCount];
+    std::vector<std::unique_ptr<Trace>> m_retired; // replaced, not freed yet
     Problems m_problems;
 };
 

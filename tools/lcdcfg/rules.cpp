@@ -380,12 +380,15 @@ void attributeMisspelt(RuleRun& run) {
 }
 
 void fileUnread(RuleRun& run) {
+    QSet<QString> read; // the documents a reader took a value from
+    for (const Site* site : run.trace.find([](const QString&) { return true; }, QString(), {}))
+        read.insert(site->document);
     for (const PartLoad& load : run.tree.loads())
         for (const QString& document : load.ok ? load.documents : QStringList()) {
             const auto here = run.is(document);
             const bool failed = std::any_of(run.trace.failures().begin(), run.trace.failures().end(),
                                             [&](const DocumentFailure& f) { return here(f.document); });
-            if (!failed && run.trace.find(here, QString(), {}).isEmpty())
+            if (!failed && !read.contains(QDir(run.tree.root()).absoluteFilePath(document)))
                 run.report(nullptr, document,
                            QStringLiteral(
                                "the %1 loader read nothing from this file: is its first element misspelt?")

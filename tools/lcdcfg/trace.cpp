@@ -65,6 +65,11 @@ void Trace::append(const Trace& other) {
     m_sites += other.m_sites;
     for (auto it = other.m_index.constBegin(); it != other.m_index.constEnd(); ++it)
         if (!m_index.contains(it.key())) m_index.insert(it.key(), *it + offset);
+    for (auto it = other.m_tags.constBegin(); it != other.m_tags.constEnd(); ++it) {
+        QVector<int>& tagged = m_tags[it.key()];
+        for (int i : *it)
+            tagged << i + offset;
+    }
     m_missing += other.m_missing;
     m_failures += other.m_failures;
     m_badNumbers += other.m_badNumbers;
@@ -198,6 +203,7 @@ Site& Trace::siteOf(const QDomElement& element) {
     auto it = m_index.constFind(key);
     if (it != m_index.constEnd()) return m_sites[*it];
     m_index.insert(key, m_sites.size());
+    m_tags[element.tagName()] << m_sites.size();
     m_sites.push_back({m_path, element.tagName(), element.lineNumber(), element.columnNumber(), {}});
     return m_sites.last();
 }
@@ -242,8 +248,12 @@ const Site* Trace::siteAt(const QString& document, int line, int column) const {
 QVector<const Site*> Trace::find(const std::function<bool(const QString&)>& document, const QString& tag,
                                  Match values) const {
     QVector<const Site*> hits;
-    for (const Site& site : m_sites) {
-        if ((!tag.isEmpty() && site.tag != tag) || !document(site.document)) continue;
+    static const QVector<int> none;
+    const auto of = m_tags.constFind(tag); // the sites of that tag
+    const QVector<int>* tagged = tag.isEmpty() ? nullptr : of == m_tags.constEnd() ? &none : &*of;
+    for (int i = 0, n = tagged ? int(tagged->size()) : int(m_sites.size()); i < n; ++i) {
+        const Site& site = m_sites[tagged ? tagged->at(i) : i];
+        if (!document(site.document)) continue;
         bool all = true;
         for (const auto& value : values)
             all = all && site.values.value(QLatin1String(value.first)) == value.second &&

@@ -196,7 +196,8 @@ private:
     QVector<DocumentTrace> m_documents;
     QString m_path; // the current document
     QVector<Site> m_sites;
-    QHash<QString, int> m_index; // "document:line:column" to its site
+    QHash<QString, int> m_index;         // "document:line:column" to its site
+    QHash<QString, QVector<int>> m_tags; // tag to its sites, in reading order
     QVector<Missing> m_missing;
     QVector<DocumentFailure> m_failures;
     QVector<BadNumber> m_badNumbers;
@@ -238,7 +239,9 @@ struct Vocabulary {
     QHash<QString, QStringList> attributes; // element path -> attribute names
     void add(const Trace& trace);
     void add(const Vocabulary& other); // the same as adding the traces `other` was made of
-    bool operator==(const Vocabulary& o) const { return children == o.children && attributes == o.attributes; }
+    bool operator==(const Vocabulary& o) const {
+        return children == o.children && attributes == o.attributes;
+    }
 };
 
 // The closest of `names` to `name` (case-insensitive edit distance), when it
