@@ -24,12 +24,35 @@ int lineOf(const QByteArray& text, const QByteArray& marker) {
 
 const QString kSchemas = QStringLiteral(LCD_SOURCE_DIR "/share/schema");
 
-// The schema share/schema/associations.json gives `file` (relative to the
-// root) by the first pattern that matches it, as its catalog name; empty when none.
-QString schemaOf(const QString& file) {
+// The associations of share/schema/associations.json, each as
+// {"pattern", "systemId"}.
+QJsonArray associations() {
     QFile json(kSchemas + "/associations.json");
     if (!json.open(QIODevice::ReadOnly)) qFatal("no associations.json");
-    for (const QJsonValue& a : QJsonDocument::fromJson(json.readAll()).array()) {
+    return QJsonDocument::fromJson(json.readAll()).array();
+}
+
+// The same, as docs/editors.md tells an author to set them: its JSON block
+// with "xml.fileAssociations", the installed directory taken off each systemId.
+QJsonArray documentedAssociations() {
+    QFile doc(LCD_SOURCE_DIR "/docs/editors.md");
+    if (!doc.open(QIODevice::ReadOnly)) qFatal("no docs/editors.md");
+    const QByteArray text = doc.readAll();
+    const int at = text.indexOf("\"xml.fileAssociations\"");
+    const int from = text.lastIndexOf("```json", at) + 7;
+    QJsonArray list;
+    for (const QJsonValue a : QJsonDocument::fromJson(text.mid(from, text.indexOf("```", at) - from))
+                                  .object()["xml.fileAssociations"]
+                                  .toArray())
+        list.append(
+            QJsonObject{{"pattern", a["pattern"]}, {"systemId", a["systemId"].toString().section('/', -1)}});
+    return list;
+}
+
+// The schema associations.json gives `file` (relative to the root) by the
+// first pattern that matches it, as its catalog name; empty when none.
+QString schemaOf(const QString& file) {
+    for (const QJsonValue& a : associations()) {
         QString pattern = QRegularExpression::escape(a["pattern"].toString());
         pattern.replace("\\*\\*\\/", "(.*/)?").replace("\\*", "[^/]*");
         if (QRegularExpression("^" + pattern + "$").match("/" + file).hasMatch())
@@ -154,6 +177,7 @@ private Q_SLOTS:
         const QJsonArray problems = QJsonDocument::fromJson(run.out.toUtf8()).object()["problems"].toArray();
         if (code.isEmpty()) {
             QVERIFY2(run.code == 0 && problems.isEmpty(), qPrintable(run.out + run.err));
+            QCOMPARE(documentedAssociations(), associations()); // what an author sets is what we test
             QDirIterator it(root, QDir::Files, QDirIterator::Subdirectories);
             while (it.hasNext()) { // every file satisfies its schema
                 const QString f = QDir(root).relativeFilePath(it.next());

@@ -185,6 +185,8 @@ QString kindText(const QString& kind) {
 FormatNode& Format::node(const QString& path, const QString& parent) {
     if (!nodes.contains(path)) {
         FormatNode n;
+        n.kind = kind;
+        n.path = path;
         n.tag = path.section(QLatin1Char('/'), -1);
         n.depth = path.count(QLatin1Char('/'));
         nodes.insert(path, n);
@@ -210,6 +212,7 @@ void addFormats(Formats& formats, const Tree& tree, const Trace& trace, int root
     for (const DocumentTrace& d : trace.documents()) {
         const QString kind = documentKind(tree, d);
         if (kind.isEmpty() || !d.ok || !d.rejected.isEmpty()) continue;
+        formats[kind].kind = kind;
         addOnce(formats[kind].files, tree.relative(d.path));
         record(formats[kind], d, root);
     }
@@ -284,6 +287,7 @@ int runFormatWriter(const QStringList& args, const QString& verb, const QString&
 
 QString describeElement(const FormatNode& n) {
     QStringList lines;
+    if (const QString meaning = meaningOf(n.kind, n.path); !meaning.isEmpty()) lines << meaning;
     if (!n.read) {
         lines << QStringLiteral("<%1> is looked for by a reader; no sample has one, so its content is not "
                                 "described.")
@@ -319,7 +323,9 @@ QString describeAttribute(const FormatNode& n, const QString& name) {
         defaults << (!d.isEmpty()                   ? QLatin1Char('"') + d + QLatin1Char('"')
                      : isNumber(it->kinds.value(0)) ? QStringLiteral("0")
                                                     : QStringLiteral("empty"));
-    QString text = QStringLiteral("%1 of <%2>: %3.").arg(name, n.tag, kinds.join(QStringLiteral(" or ")));
+    const QString meaning = meaningOf(n.kind, n.path, name);
+    QString text = meaning.isEmpty() ? QString() : meaning + QLatin1Char('\n');
+    text += QStringLiteral("%1 of <%2>: %3.").arg(name, n.tag, kinds.join(QStringLiteral(" or ")));
     if (!defaults.isEmpty())
         text += QStringLiteral(" When absent: %1%2.")
                     .arg(defaults.join(QStringLiteral(" or ")),

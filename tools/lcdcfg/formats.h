@@ -26,6 +26,8 @@ struct FormatAttribute {
 };
 
 struct FormatNode {
+    QString kind; // of the file
+    QString path; // "Vrn/Device/Slots"
     QString tag;
     int depth = 0;
     bool read = false;       // reached in a sample (else only looked up)
@@ -47,6 +49,7 @@ struct FormatNode {
 
 // One file kind ("device-slot", "subcard", ...).
 struct Format {
+    QString kind;
     QStringList files; // relative to their root
     QStringList rootOrder;
     int reached = 0;
@@ -85,5 +88,8 @@ QString describeElement(const FormatNode& node);
 // none does (schema.cpp).
 QString fileKind(const QString& relative);
 QString describeAttribute(const FormatNode& node, const QString& name);
+// What an element (`attribute` empty) or an attribute means for the device
+// and the host, from the table in meanings.cpp; empty when it has none.
+QString meaningOf(const QString& kind, const QString& path, const QString& attribute = QString());
 
 } // namespace lcdcfg

@@ -23,16 +23,28 @@ namespace lcdcfg {
 
 namespace {
 
+QString printed(const QVector<Problem>& list) {
+    Problems problems;
+    for (const Problem& p : list)
+        problems.add(p);
+    QString text;
+    QTextStream stream(&text);
+    problems.print(stream, true, false);
+    stream.flush();
+    return text;
+}
+
 class Server {
 public:
-    Server(const kvchost::PluginHost& host, const QString& root) : m_host(host), m_root(root) {}
+    Server(const kvchost::PluginHost& host, const QString& root, bool verify)
+        : m_host(host), m_root(root), m_verify(verify) {}
 
     // Serves until `exit`; the exit status.
     int serve() {
         QJsonObject message;
         while (m_connection.read(&message)) {
             handle(message);
-            if (m_exit) return m_shutdown ? kClean : kProblems;
+            if (m_exit) return m_shutdown && !m_differed ? kClean : kProblems;
             if (m_dirty && !m_connection.pending()) check(); // a burst of changes is checked once
         }
         return m_shutdown ? kClean : kProblems;
@@ -143,8 +155,12 @@ private:
     void check() {
         m_dirty = false;
         if (!m_workspace->sync() && m_checked) return;
+        if (m_checked)
+            m_checks->update(m_workspace->changed());
+        else
+            m_checks->run(m_workspace->shadow());
         m_checked = true;
-        m_checks->run(m_workspace->shadow());
+        if (m_verify) verify();
         m_index.update(*m_workspace);
         QSet<QString> files;
         for (const Problem& p : m_checks->problems())
@@ -161,10 +177,29 @@ private:
                                                                              file, m_workspace->text(uri))}});
         }
         m_published = published;
+        m_checks->release();
+    }
+
+    // --verify: every check is made in full too; a difference is reported
+    // on standard error and makes the exit status 1.
+    void verify() {
+        if (!m_full) m_full = std::make_unique<TreeChecks>(m_host);
+        m_full->run(m_workspace->shadow());
+        const QString kept = printed(m_checks->problems()), full = printed(m_full->problems());
+        if (kept == full) return;
+        m_differed = true;
+        err() << "lcdcfg: the problems kept after " << m_workspace->changed().join(QStringLiteral(", "))
+              << " changed differ from a full check's:\n"
+              << kept << "\n-- full:\n"
+              << full << "\n";
+        err().flush();
     }
 
     const kvchost::PluginHost& m_host;
     QString m_root;
+    bool m_verify = false;
+    bool m_differed = false;
+    std::unique_ptr<TreeChecks> m_full;
     Connection m_connection;
     std::unique_ptr<Workspace> m_workspace;
     std::unique_ptr<TreeChecks> m_checks;
@@ -190,14 +225,19 @@ int runLsp(const QStringList& args) {
     const QCommandLineOption stdio(QStringLiteral("stdio"),
                                    QStringLiteral("Talk over standard input and output "
                                                   "(the default and only way)."));
+    QCommandLineOption verify(
+        QStringLiteral("verify"),
+        QStringLiteral("Check every change in full too; exit 1 when the results differ."));
+    verify.setFlags(QCommandLineOption::HiddenFromHelp);
     cl.addOption(rootOption);
     cl.addOption(stdio);
+    cl.addOption(verify);
     int code = kClean;
     if (!cl.parse(args, &code)) return code;
     if (!cl.positional().isEmpty()) return cl.usage(QStringLiteral("lsp takes no arguments"));
     kvchost::PluginHost* host = cl.host();
     if (!host) return kUsage;
-    return Server(*host, cl.value(rootOption)).serve();
+    return Server(*host, cl.value(rootOption), cl.isSet(verify)).serve();
 }
 
 } // namespace lcdcfg

@@ -36,22 +36,76 @@ TreeChecks::TreeChecks(const kvchost::PluginHost& host) : m_host(host), m_shippe
 TreeChecks::~TreeChecks() = default;
 
 void TreeChecks::run(const QString& root) {
-    m_problems = Problems();
-    m_tree.reset();
-    m_trace = std::make_unique<Trace>();
     m_tree = std::make_unique<Tree>(m_host, root);
-    if (!m_tree->load(m_trace.get())) {
-        m_problems.add({QString(), 0, 0, Severity::Error, QStringLiteral("plugin"), m_tree->error()});
-        return;
+    m_vocabulary.reset();
+    for (PartRun& run : m_parts)
+        run.vocabulary.reset();
+    QVector<Part> all;
+    for (int i = 0; i < kPartCount; ++i)
+        all << static_cast<Part>(i);
+    load(all);
+}
+
+void TreeChecks::update(const QStringList& changed) {
+    if (!m_tree || !m_trace) return run(m_tree ? m_tree->root() : QString());
+    QVector<Part> parts;
+    for (const PartLoad& load : m_tree->loads())
+        for (const QString& relative : changed) {
+            const QString path = m_tree->root() + QLatin1Char('/') + relative;
+            const bool fed = load.documents.contains(path) ||
+                             std::any_of(load.inputs.begin(), load.inputs.end(), [&](const QString& input) {
+                                 return path == input || path.startsWith(input + QLatin1Char('/'));
+                             });
+            if (fed && !parts.contains(load.part)) parts << load.part;
+        }
+    load(parts);
+}
+
+// Loads `parts` again (table order), keeps the other parts' loads, and lists
+// the problems of the whole tree.
+void TreeChecks::load(const QVector<Part>& parts) {
+    m_problems = Problems();
+    m_retired.push_back(std::move(m_trace));
+    bool relintAll = !m_vocabulary;
+    for (Part part : parts) {
+        PartRun& run = m_parts[int(part)];
+        m_retired.push_back(std::move(run.trace));
+        run.trace = std::make_unique<Trace>();
+        if (!m_tree->load({part}, run.trace.get())) {
+            m_problems.add({QString(), 0, 0, Severity::Error, QStringLiteral("plugin"), m_tree->error()});
+            return;
+        }
+        auto vocabulary = std::make_unique<Vocabulary>();
+        vocabulary->add(*run.trace);
+        relintAll = relintAll || !run.vocabulary || !(*run.vocabulary == *vocabulary);
+        run.vocabulary = std::move(vocabulary);
+        run.lint.reset();
+    }
+    m_trace = std::make_unique<Trace>();
+    for (const PartRun& run : m_parts)
+        m_trace->append(*run.trace);
+    if (relintAll) { // what the readers look for changed: every document is linted again
+        m_vocabulary = std::make_unique<Vocabulary>(*m_shipped);
+        for (const PartRun& run : m_parts)
+            m_vocabulary->add(*run.vocabulary);
     }
     checkTree(*m_tree, *m_trace, m_problems);
-    Vocabulary vocabulary = *m_shipped;
-    vocabulary.add(*m_trace);
-    lintTree(*m_tree, *m_trace, vocabulary, m_problems);
+    for (PartRun& run : m_parts) {
+        if (!run.lint || relintAll) {
+            run.lint = std::make_unique<Problems>();
+            lintTree(*m_tree, *run.trace, *m_vocabulary, *run.lint);
+        }
+        for (const Problem& p : run.lint->list())
+            m_problems.add(p);
+    }
     m_problems.sort();
     dropEchoes();
     if (!m_workspaceFormats) addFormats(m_formats, *m_tree, *m_trace); // what the workspace adds
     m_workspaceFormats = true;
+}
+
+void TreeChecks::release() {
+    m_retired.clear();
 }
 
 // check and lint name one fault with one code (a number that does not
@@ -71,7 +125,7 @@ void TreeChecks::dropEchoes() {
 }
 
 QString TreeChecks::loaded(const QString& relative, int index, const QString& attribute) const {
-    if (!m_tree) return QString();
+    if (!m_tree || !m_trace) return QString();
     const DocumentTrace* d = m_trace->document(m_tree->root() + QLatin1Char('/') + relative);
     if (!d || !d->ok) return QString();
     QDomElement element;

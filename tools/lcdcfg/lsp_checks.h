@@ -9,10 +9,12 @@
 #include <QtCore/QVector>
 
 #include <memory>
+#include <vector>
 
 #include "host/kvchost.h"
 #include "tools/lcdcfg/formats.h"
 #include "tools/lcdcfg/problems.h"
+#include "tools/lcdcfg/tree.h"
 
 namespace lcdcfg {
 
@@ -24,6 +26,14 @@ public:
     // Loads the tree at `root` with the recording observer and lists what
     // check and lint report (files relative to `root`).
     void run(const QString& root);
+    // The same after `changed` (files relative to the root) changed since the
+    // last run: only the parts those files feed are loaded again and only
+    // their documents linted again (all of them when what the readers look
+    // for changed); the cross-file checks run over the loads kept. The
+    // problems are those run() would list.
+    void update(const QStringList& changed);
+    // Frees what the last run replaced (once its results are out).
+    void release();
     const QVector<Problem>& problems() const { return m_problems.list(); }
 
     // The formats of the file kinds: from the shipped tree once, and from
@@ -40,14 +50,26 @@ public:
     QString loaded(const QString& relative, int index, const QString& attribute) const;
 
 private:
+    // What one part's load left: its trace, what its readers looked for and
+    // lint's warnings on its documents.
+    struct PartRun {
+        std::unique_ptr<Trace> trace;
+        std::unique_ptr<Vocabulary> vocabulary;
+        std::unique_ptr<Problems> lint;
+    };
+
+    void load(const QVector<Part>& parts);
     void dropEchoes();
 
     const kvchost::PluginHost& m_host;
     Formats m_formats;
     bool m_workspaceFormats = false;
-    std::unique_ptr<Vocabulary> m_shipped; // what the readers look for in the shipped tree
-    std::unique_ptr<Trace> m_trace;
+    std::unique_ptr<Vocabulary> m_shipped;    // what the readers look for in the shipped tree
+    std::unique_ptr<Vocabulary> m_vocabulary; // ... and in the tree
+    std::unique_ptr<Trace> m_trace;           // the parts' traces joined
     std::unique_ptr<Tree> m_tree;
+    PartRun m_parts[kPartCount];
+    std::vector<std::unique_ptr<Trace>> m_retired; // replaced, not freed yet
     Problems m_problems;
 };
 

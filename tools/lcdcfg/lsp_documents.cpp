@@ -53,7 +53,7 @@ QString Workspace::text(const QString& uri) const {
 }
 
 bool Workspace::sync() {
-    bool changed = false;
+    m_changed.clear();
     QSet<QString> present;
     QStringList files;
     QDirIterator it(m_root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
@@ -68,7 +68,7 @@ bool Workspace::sync() {
             write(m_shadow + QLatin1Char('/') + rel, open->toUtf8());
             m_written.insert(rel, *open);
             m_copied.remove(rel);
-            changed = true;
+            m_changed << rel;
             continue;
         }
         const QFileInfo info = it.fileInfo();
@@ -78,7 +78,7 @@ bool Workspace::sync() {
         if (source.open(QIODevice::ReadOnly)) write(m_shadow + QLatin1Char('/') + rel, source.readAll());
         m_copied.insert(rel, stamp);
         m_written.remove(rel);
-        changed = true;
+        m_changed << rel;
     }
     // files gone from the tree go from the copy too
     for (const QString& rel : QStringList(m_files))
@@ -86,11 +86,11 @@ bool Workspace::sync() {
             QFile::remove(m_shadow + QLatin1Char('/') + rel);
             m_copied.remove(rel);
             m_written.remove(rel);
-            changed = true;
+            m_changed << rel;
         }
     files.sort();
     m_files = files;
-    return changed;
+    return !m_changed.isEmpty();
 }
 
 } // namespace lcdcfg

@@ -38,6 +38,8 @@ public:
     // Brings the copy up to date with the disk and the open texts; true
     // when something changed since the last sync.
     bool sync();
+    // The files (relative) the last sync wrote into the copy or removed.
+    const QStringList& changed() const { return m_changed; }
 
 private:
     struct Stamp {
@@ -53,6 +55,7 @@ private:
     QHash<QString, Stamp> m_copied;    // relative -> the disk file copied
     QHash<QString, QString> m_written; // relative -> the open text written
     QStringList m_files;
+    QStringList m_changed;
 };
 
 } // namespace lcdcfg

@@ -180,6 +180,11 @@ void IdIndex::update(const Workspace& workspace) {
         for (const IdLink& l : kLinks)
             linked = linked || kind == QLatin1String(l.kind);
         if (!linked) continue;
+        const auto kept = m_files.constFind(rel);
+        if (kept != m_files.constEnd() && !workspace.changed().contains(rel)) { // as last scanned
+            files.insert(rel, *kept);
+            continue;
+        }
         const QString text = workspace.text(workspace.uriOf(rel));
         File file = m_files.value(rel);
         if (file.hash == qHash(text) && !file.sites.isEmpty()) {

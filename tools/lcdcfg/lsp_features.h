@@ -63,6 +63,7 @@ struct IdSite {
 // texts of its files (the open ones as typed).
 class IdIndex {
 public:
+    // Scans again the files the workspace's last sync changed.
     void update(const Workspace& workspace);
     // The site at `offset` of `file`, or null.
     const IdSite* at(const QString& file, int offset) const;

@@ -41,6 +41,7 @@ Site& Trace::siteOf(const QDomElement& element) {
     const auto inserted = m_index.emplace(keyOf(element), m_sites.size());
     if (!inserted.second) return m_sites[inserted.first->second];
     m_documentsRead.insert(m_path);
+    m_tags[element.tagName()] << m_sites.size();
     m_sites.push_back({m_path, element.tagName(), element.lineNumber(), element.columnNumber(), {}});
     return m_sites.last();
 }
@@ -55,8 +56,12 @@ const Site* Trace::siteAt(const QString& document, int line, int column) const {
 QVector<const Site*> Trace::find(const std::function<bool(const QString&)>& document, const QString& tag,
                                  Match values) const {
     QVector<const Site*> hits;
-    for (const Site& site : m_sites) {
-        if ((!tag.isEmpty() && site.tag != tag) || !document(site.document)) continue;
+    static const QVector<int> none;
+    const auto of = m_tags.constFind(tag); // the sites of that tag
+    const QVector<int>* tagged = tag.isEmpty() ? nullptr : of == m_tags.constEnd() ? &none : &*of;
+    for (int i = 0, n = tagged ? int(tagged->size()) : int(m_sites.size()); i < n; ++i) {
+        const Site& site = m_sites[tagged ? tagged->at(i) : i];
+        if (!document(site.document)) continue;
         bool all = true;
         for (const auto& value : values)
             all = all && site.values.value(QLatin1String(value.first)) == value.second &&

@@ -28,6 +28,42 @@ const DocumentTrace* Trace::document(const QString& path) const {
     return nullptr;
 }
 
+void Trace::append(const Trace& other) {
+    const int offset = m_sites.size();
+    QHash<int, int> number; // other's document numbers to this one's
+    for (auto it = other.m_documentNumbers.constBegin(); it != other.m_documentNumbers.constEnd(); ++it) {
+        const int mine = m_documentNumbers.value(it.key(), m_documentNumbers.size());
+        m_documentNumbers.insert(it.key(), mine);
+        number.insert(*it, mine);
+    }
+    const auto keyIn = [&](const ElementKey& k) {
+        return ElementKey{number.value(k.document), k.line, k.column};
+    };
+    m_documents += other.m_documents;
+    m_documentsRead += other.m_documentsRead;
+    m_sites += other.m_sites;
+    for (const auto& entry : other.m_index)
+        m_index.emplace(keyIn(entry.first), entry.second + offset);
+    for (auto it = other.m_tags.constBegin(); it != other.m_tags.constEnd(); ++it) {
+        QVector<int>& tagged = m_tags[it.key()];
+        for (int i : *it)
+            tagged << i + offset;
+    }
+    m_missing += other.m_missing;
+    m_failures += other.m_failures;
+    m_badNumbers += other.m_badNumbers;
+    m_nearAttributes += other.m_nearAttributes;
+    m_cells += other.m_cells;
+    for (const ElementKey& k : other.m_seenCells)
+        m_seenCells.insert(keyIn(k));
+    for (auto it = other.m_names.constBegin(); it != other.m_names.constEnd(); ++it)
+        if (!m_names.contains(it.key())) m_names.insert(it.key(), *it);
+    for (auto it = other.m_records.constBegin(); it != other.m_records.constEnd(); ++it)
+        m_records.insert(it.key(), *it + offset);
+    for (const auto& started : other.m_started)
+        m_started.push_back({started.first, started.second + offset});
+}
+
 void Trace::documentStarted(const QString& path) {
     m_path = path;
     m_documentNumber = m_documentNumbers.value(path, m_documentNumbers.size());

@@ -179,6 +179,11 @@ public:
     QHash<QString, int> connectorDocuments() const; // document -> type of its first description
     QHash<QString, int> cardDocuments() const;      // document -> model of its first card
 
+    // Adds what `other` recorded after what this one did, as if one trace
+    // had seen both loads (the language server keeps one trace per part and
+    // joins them).
+    void append(const Trace& other);
+
     void documentStarted(const QString& path) override;
     void documentParsed(const LCD::ConfigModel::DocumentRead& read) override;
     void documentRejected(const QDomElement& root, const QString& error) override;
@@ -222,6 +227,7 @@ private:
     QHash<const char*, QString> m_literals; // textOf()
     QVector<Site> m_sites;
     std::unordered_map<ElementKey, int, KeyHash> m_index; // element to its site
+    QHash<QString, QVector<int>> m_tags;                  // tag to its sites, in reading order
     QVector<Missing> m_missing;
     QVector<DocumentFailure> m_failures;
     QVector<BadNumber> m_badNumbers;
@@ -262,6 +268,10 @@ struct Vocabulary {
     QHash<QString, QStringList> children;   // parent path -> child names
     QHash<QString, QStringList> attributes; // element path -> attribute names
     void add(const Trace& trace);
+    void add(const Vocabulary& other); // the same as adding the traces `other` was made of
+    bool operator==(const Vocabulary& o) const {
+        return children == o.children && attributes == o.attributes;
+    }
 };
 
 // The closest of `names` to `name` (case-insensitive edit distance), when it

@@ -165,7 +165,7 @@ void Tree::loadPart(Part part, LoadObserver* observer) {
     const bool directory = QLatin1String(infoOf(part).inputs[0]).endsWith(QLatin1Char('/'));
     if (directory && !QFileInfo(load.inputs.first()).isDir()) {
         load.missing = load.inputs.first();
-        m_loads << load;
+        keep(load);
         return;
     }
 
@@ -184,6 +184,16 @@ void Tree::loadPart(Part part, LoadObserver* observer) {
     if (part == Part::Hdr) // the component has no result: no file failed
         load.ok = !load.documents.isEmpty() && std::none_of(load.diagnostics.begin(), load.diagnostics.end(),
                                                             [](const Diagnostic& d) { return d.logged; });
+    keep(load);
+}
+
+// A part loaded again takes the place of its previous load.
+void Tree::keep(const PartLoad& load) {
+    for (PartLoad& previous : m_loads)
+        if (previous.part == load.part) {
+            previous = load;
+            return;
+        }
     m_loads << load;
 }
 

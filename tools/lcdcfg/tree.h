@@ -60,7 +60,8 @@ public:
     Tree(const Tree&) = delete;
     Tree& operator=(const Tree&) = delete;
 
-    // Loads every part (or those in `parts`) in table order. `observer`, when
+    // Loads every part (or those in `parts`) in table order; a part loaded
+    // before is loaded anew, the others keep their loads. `observer`, when
     // given, sees every load too. false only when the plug-in could not be
     // used at all (`error()` says why); failed loads are in loads().
     bool load(LCD::ConfigModel::LoadObserver* observer = nullptr);
@@ -102,6 +103,7 @@ public:
 
 private:
     void loadPart(Part part, LCD::ConfigModel::LoadObserver* observer);
+    void keep(const PartLoad& load);
     bool run(PartLoad& load);
 
     const kvchost::PluginHost& m_host;

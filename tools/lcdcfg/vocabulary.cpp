@@ -63,6 +63,15 @@ void Vocabulary::add(const Trace& trace) {
     }
 }
 
+void Vocabulary::add(const Vocabulary& other) {
+    for (auto it = other.children.constBegin(); it != other.children.constEnd(); ++it)
+        for (const QString& name : *it)
+            addOnce(children[it.key()], name);
+    for (auto it = other.attributes.constBegin(); it != other.attributes.constEnd(); ++it)
+        for (const QString& name : *it)
+            addOnce(attributes[it.key()], name);
+}
+
 QString closest(const QString& name, const QStringList& names) {
     QString best;
     int bestDistance = std::max(2, int(name.size()) / 3) + 1;
