@@ -340,7 +340,8 @@ private Q_SLOTS:
 
     // What Qt 6's parser does differently, one row per difference: Qt 5's
     // result, then Qt 6's (docs/api.md, "Qt 6"). A result is the parse error,
-    // or "ok" with the root's attribute a and text, percent-encoded.
+    // or "ok" with the root's attribute a and text, percent-encoded, and where
+    // its first child element ends its start tag.
     void qtParserDifferences_data() {
         QTest::addColumn<QByteArray>("xml");
         QTest::addColumn<QString>("qt5");
@@ -359,8 +360,8 @@ private Q_SLOTS:
             error(1, 10, "Extra content at end of document."));
         row("refused: repeated attribute", "<Vrn a=\"1\" a=\"2\"/>",
             "ok a=2 text=", error(1, 18, "Attribute 'a' redefined."));
-        row("refused: undeclared prefix", "<Vrn><x:A/></Vrn>",
-            "ok a= text=", error(1, 11, "Namespace prefix 'x' not declared"));
+        row("refused: undeclared prefix", "<Vrn><x:A/></Vrn>", "ok a= text= child=1:10",
+            error(1, 11, "Namespace prefix 'x' not declared"));
         row("refused: undeclared entity", "<Vrn>&foo;</Vrn>",
             "ok a= text=", error(1, 10, "Entity 'foo' not declared."));
         row("refused: reference to a control character", "<Vrn a=\"&#1;\"/>",
@@ -372,6 +373,10 @@ private Q_SLOTS:
         row("normalised: blanks in an attribute value", "<Vrn a=\"x\ty\nz\r\nw\"/>",
             "ok a=x%09y%0Az%0D%0Aw text=", "ok a=x%20y%20z%20w text=");
         row("normalised: line ends in text", "<Vrn>a\r\nb</Vrn>", "ok a= text=a%0D%0Ab", "ok a= text=a%0Ab");
+        row("refused: XML version 2.0", "<?xml version=\"2.0\"?><Vrn/>",
+            "ok a= text=", error(1, 21, "Unsupported XML version."));
+        row("positions: an element's column", "<Vrn>\n  <A b=\"1\"/></Vrn>", "ok a= text= child=2:11",
+            "ok a= text= child=2:12");
     }
     void qtParserDifferences() {
         QFETCH(QByteArray, xml);
@@ -386,6 +391,9 @@ private Q_SLOTS:
         if (parseDocumentData(xml, Loader{kDeviceFile, nullptr, LCD_LOG_SITE}, doc, error)) {
             const QDomElement root = doc.documentElement();
             result = "ok a=" + encoded(root.attribute("a")) + " text=" + encoded(root.text());
+            const QDomElement child = root.firstChildElement();
+            if (!child.isNull())
+                result += QStringLiteral(" child=%1:%2").arg(child.lineNumber()).arg(child.columnNumber());
         } else {
             result = error;
         }

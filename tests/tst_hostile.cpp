@@ -51,8 +51,12 @@ constexpr bool kSanitized = false;
 
 // ---- one load in a forked child -----------------------------------------------
 
-// Every load of this test fits in the address space of a small device.
-constexpr qint64 kAddressSpace = qint64(512) << 20;
+// Every load of this test fits in the address space of a small device. Qt 6's
+// document takes about two and a half times what Qt 5's does: a file at the
+// limits (4 MiB, 250 000 elements) peaks at 240 MiB resident under Qt 5 and at
+// 610 MiB resident, 740 MiB of address space under Qt 6, so Qt 6 gets 1 GiB,
+// a third to spare; anything that grows faster than the file runs out of both.
+constexpr qint64 kAddressSpace = qint64(QT_VERSION >= QT_VERSION_CHECK(6, 0, 0) ? 1024 : 512) << 20;
 
 struct Limits {
     int seconds = 10;
@@ -465,15 +469,19 @@ private Q_SLOTS:
         QTest::newRow("UTF-16 without byte-order mark")
             << transformed([](const QByteArray& sample) { return utf16(sample, false); }) << QString();
         // Read as replacement characters, and as NUL characters in an
-        // attribute no walk reads and in the root's text.
-        QTest::newRow("invalid UTF-8") << transformed([](const QByteArray& sample) {
-            return withRootAttribute(sample, "Junk=\"\xC3\x28\xFF\"");
-        }) << QString();
+        // attribute no walk reads and in the root's text; Qt 6's parser
+        // refuses both.
+        QTest::newRow("invalid UTF-8")
+            << transformed([](const QByteArray& sample) {
+                   return withRootAttribute(sample, "Junk=\"\xC3\x28\xFF\"");
+               })
+            << test::byQt(
+                   {}, "Parse error at line \\d+, column \\d+:\nEncountered incorrectly encoded content\\.");
         QTest::newRow("NUL bytes") << transformed([](const QByteArray& sample) {
             const QByteArray nul("\0\0", 2);
             const QByteArray text = QByteArray(sample).insert(sample.lastIndexOf('<'), nul);
             return withRootAttribute(text, "Junk=\"a" + nul + "b\"");
-        }) << QString();
+        }) << test::byQt({}, "Parse error at line \\d+, column \\d+:\nUnexpected ''\\.");
         QTest::newRow("3 MB attribute") << transformed([](const QByteArray& sample) {
             return withRootAttribute(sample, "Junk=\"" + QByteArray(3 << 20, 'A') + "\"");
         }) << QString();
