@@ -23,7 +23,7 @@ namespace test {
 
 // What the XML parser itself says, which Qt 6's parser words, places or
 // decides differently (docs/api.md, "Qt 6"): Qt 5's result, then Qt 6's.
-inline QString byQt(const QString& qt5, const QString& qt6) {
+template <class T> T byQt(const T& qt5, const T& qt6) {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
     Q_UNUSED(qt5)
     return qt6;
@@ -31,6 +31,9 @@ inline QString byQt(const QString& qt5, const QString& qt6) {
     Q_UNUSED(qt6)
     return qt5;
 #endif
+}
+inline QString byQt(const QString& qt5, const QString& qt6) {
+    return byQt<QString>(qt5, qt6);
 }
 
 // A path under the shipped sample configuration (share/config/...).

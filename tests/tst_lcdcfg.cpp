@@ -202,9 +202,13 @@ private Q_SLOTS:
         row("Latin-1 declared, UTF-8 written", "subcard/2102_dvi_4in.xml", "encoding=\"UTF-8\"",
             "encoding=\"ISO-8859-1\"", {"subcard/2102_dvi_4in.xml:8:encoding-mismatch"}, 1);
         row("saved in another encoding", "subcard/2102_dvi_4in.xml", "latin1:4路DVI输入卡", "4-DVI carté",
-            {"subcard/2102_dvi_4in.xml:8:text-undecodable"}, 1);
+            test::byQt<QStringList>({"subcard/2102_dvi_4in.xml:8:text-undecodable"},
+                                    {"subcard/2102_dvi_4in.xml:1:parse"}), // Qt 6 refuses the bytes
+            1);
         row("unknown entity", "subcard/2102_dvi_4in.xml", "<en>", "<en>4&nbsp;",
-            {"subcard/2102_dvi_4in.xml:9:entity-unknown"}, 1);
+            test::byQt<QStringList>({"subcard/2102_dvi_4in.xml:9:entity-unknown"},
+                                    {"subcard/2102_dvi_4in.xml:9:parse"}), // Qt 6 refuses the entity
+            1);
         row("element left open", "device/29974/29974_feature.xml", "<HDR Support=\"1\" Editable=\"1\"/>",
             "<HDR Support=\"1\" Editable=\"1\">",
             {"device/29974/29974_feature.xml:16:element-unclosed",

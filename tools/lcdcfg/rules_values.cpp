@@ -151,7 +151,7 @@ void keyDuplicate(RuleRun& run) {
     if (!run.tree.keys() || !load) return;
     QVector<Item> items;
     for (const auto& key : run.tree.keys()->getKeyCheckList())
-        items.push_back({QString::number(key.first), {{K::KeyCheck, items.size()}}});
+        items.push_back({QString::number(key.first), {{K::KeyCheck, int(items.size())}}});
     repeats(run, items, load->inputs.first(), QStringLiteral("key code %1"),
             QStringLiteral("the host checks the key twice"));
 }
@@ -172,7 +172,7 @@ void printkeyCardDuplicate(RuleRun& run) {
         QVector<Item> items;
         for (const Site* card : recordsOf(run.trace, {{K::PrintKeyDevice, d}}, K::PrintKeyCard))
             items.push_back({card->values.value(QStringLiteral("ModelId")),
-                             {{K::PrintKeyDevice, d}, {K::PrintKeyCard, items.size()}}});
+                             {{K::PrintKeyDevice, d}, {K::PrintKeyCard, int(items.size())}}});
         repeats(run, items, load->inputs.first(), QStringLiteral("card model %1"),
                 QStringLiteral("the host takes the print keys of the first"));
     }
@@ -187,7 +187,7 @@ void modelRepeats(RuleRun& run, K kind, const std::function<QVector<int>(const D
         const Step model{K::Model, m++};
         QVector<Item> items;
         for (int id : ids(device))
-            items.push_back({QString::number(id), {model, {kind, items.size()}}});
+            items.push_back({QString::number(id), {model, {kind, int(items.size())}}});
         repeats(run, items, run.modelFolder(model.index), what, consequence);
     }
 }
@@ -223,7 +223,7 @@ void connectorPositionDuplicate(RuleRun& run) {
         const Step at{K::Card, n++};
         QVector<Item> items;
         for (const Subcard::s_Connector& c : card.connectors.connectors)
-            items.push_back({QString::number(c.position), {at, {K::Connector, items.size()}}});
+            items.push_back({QString::number(c.position), {at, {K::Connector, int(items.size())}}});
         repeats(run, items, QStringLiteral("subcard"), QStringLiteral("connector position %1"),
                 QStringLiteral("the host finds the first connector only"));
     }
@@ -253,7 +253,7 @@ void resolutionDuplicate(RuleRun& run) {
             for (const char* name : {"Width", "Height", "RefreshRate", "Interlaced"})
                 key << site->values.value(QLatin1String(name));
             items.push_back(
-                {key.join(QLatin1Char(' ')), {{K::ResolutionMode, m}, {K::Resolution, items.size()}}});
+                {key.join(QLatin1Char(' ')), {{K::ResolutionMode, m}, {K::Resolution, int(items.size())}}});
         }
         repeats(run, items, QStringLiteral("connector"),
                 QStringLiteral("resolution %1 (width, height, rate, interlaced)"),
