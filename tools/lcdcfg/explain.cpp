@@ -93,8 +93,14 @@ const Devicecfg::s_Device* deviceOf(const Tree& tree, int model) {
     return nullptr;
 }
 
-QString modelDir(int model) {
-    return QStringLiteral("device/%1").arg(model);
+// The folder the model was read from, as the load told it.
+QString modelDir(const Tree& tree, const Trace& trace, int model) {
+    const auto& devices = tree.devices()->DeviceConfigs();
+    for (int i = 0; i < int(devices.size()); ++i)
+        if (devices[i].modelId == model)
+            if (const Site* folder = trace.record({{RecordKind::Model, i}}))
+                return tree.relative(folder->document);
+    return QString();
 }
 
 // ---- slot MODEL SLOT --------------------------------------------------------
@@ -102,7 +108,7 @@ QString modelDir(int model) {
 int explainSlot(const Tree& tree, const Trace& trace, Answer& a, int model, int index) {
     const Devicecfg::s_Device* device = deviceOf(tree, model);
     if (!device) return -1;
-    const QString dir = modelDir(model);
+    const QString dir = modelDir(tree, trace, model);
     for (const LCD::ConfigModel::facts::SlotGroupFacts& facts : LCD::ConfigModel::facts::kSlotGroups) {
         const char* tag = facts.element;
         const Slot::s_SlotAttr* group = &(device->slot.slots.*facts.member);
@@ -237,8 +243,9 @@ int explainFeature(const Tree& tree, const Trace& trace, Answer& a, int model, c
     // the element whose tag path below <Device> spells PATH, ignoring case
     const QStringList wanted = path.split(QLatin1Char('.'));
     QDomElement hit;
+    const QString dir = modelDir(tree, trace, model) + QLatin1Char('/');
     for (const DocumentTrace& d : trace.documents()) {
-        if (!tree.relative(d.path).startsWith(modelDir(model) + QLatin1Char('/')) ||
+        if (!tree.relative(d.path).startsWith(dir) ||
             documentKind(tree, d) != QLatin1String("device-feature") || !d.ok)
             continue;
         forEachElement(d.document, [&](const QDomElement& e) {
@@ -284,7 +291,7 @@ int explainTemplate(const Tree& tree, const Trace& trace, Answer& a, int model, 
         if (screen.type != screenType) continue;
         for (const Screen::s_DeviceMode& mode : screen.deviceModes) {
             const QVector<QDomElement> elements =
-                findElements(tree, trace, modelDir(model),
+                findElements(tree, trace, modelDir(tree, trace, model),
                              QStringLiteral("Screen[Type=%1]/DeviceModes/*[Value=%2]/Templetes/*")
                                  .arg(screenType)
                                  .arg(mode.value));
