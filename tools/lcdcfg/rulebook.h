@@ -3,6 +3,8 @@
 // The rules of `lcdcfg check` beyond the cross-file ones of rules.cpp, one
 // function each, listed with their codes in the one rule table (rules.cpp).
 
+#include <QtCore/QFileInfo>
+
 #include "tools/lcdcfg/rules.h"
 
 namespace lcdcfg {
@@ -42,6 +44,9 @@ void entityUnknown(RuleRun& run);
 void elementUnclosed(RuleRun& run);
 
 // Helpers the rule files share.
+// The sub-folders of the device folder (none when the devices were not
+// loaded), by name.
+QFileInfoList modelFolders(const RuleRun& run);
 // The elements of the records of `kind` below `above`, in their order.
 QVector<const Site*> recordsOf(const Trace& trace, const RecordPath& above,
                                LCD::ConfigModel::RecordKind kind);

@@ -282,8 +282,7 @@ void hdrValueWithoutText(RuleRun& run) {
 
 void modelDuplicate(RuleRun& run) {
     QHash<int, QString> first;
-    const QDir devices(run.tree.loadOf(Part::Devices)->inputs.first());
-    for (const QFileInfo& dir : devices.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
+    for (const QFileInfo& dir : modelFolders(run)) {
         bool ok = false;
         const int id = facts::modelOfFolder(dir, &ok);
         const QString folder = run.tree.relative(dir.absoluteFilePath());
@@ -405,11 +404,10 @@ void numberInvalid(RuleRun& run) {
 }
 
 void modelDirEmpty(RuleRun& run) {
-    const QDir devices(run.tree.loadOf(Part::Devices)->inputs.first());
-    for (const QString& name : devices.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
-        if (QDir(devices.filePath(name)).entryList({QStringLiteral("*.xml")}, QDir::Files).isEmpty())
+    for (const QFileInfo& dir : modelFolders(run))
+        if (QDir(dir.absoluteFilePath()).entryList({QStringLiteral("*.xml")}, QDir::Files).isEmpty())
             run.report(
-                nullptr, run.tree.relative(devices.filePath(name)),
+                nullptr, run.tree.relative(dir.absoluteFilePath()),
                 QStringLiteral("model folder without description files: the host loads an empty model"));
 }
 

@@ -23,13 +23,6 @@ QByteArray bytesOf(const QString& path, qint64 size = 4 << 20) {
     return file.open(QIODevice::ReadOnly) ? file.read(size) : QByteArray();
 }
 
-// The sub-folders of the device folder, as the devices load lists them.
-QFileInfoList modelFolders(const RuleRun& run) {
-    const PartLoad* load = run.tree.loadOf(Part::Devices);
-    if (!load || !load->attempted) return {};
-    return QDir(load->inputs.first()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
-}
-
 // Every file some load of the tree opened.
 QSet<QString> filesOpened(const RuleRun& run) {
     QSet<QString> opened;
@@ -83,6 +76,12 @@ std::pair<const Site*, QString> firstValue(const RuleRun& run, const QString& do
 }
 
 } // namespace
+
+QFileInfoList modelFolders(const RuleRun& run) {
+    const PartLoad* load = run.tree.loadOf(Part::Devices);
+    if (!load || !load->attempted) return {};
+    return QDir(load->inputs.first()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+}
 
 // ---- file placement ---------------------------------------------------------
 
