@@ -172,6 +172,8 @@ public:
     // The element of every record of `kind` the library started, in reading
     // order, kept or not (a rejected card too).
     QVector<const Site*> records(LCD::ConfigModel::RecordKind kind) const;
+    // The attribute `name` as read on the element of `site`, or null.
+    const AttributeTrace* readAt(const Site* site, const QString& name) const;
 
     // -- what report draws that the records do not carry
     const QVector<Place>& cells() const { return m_cells; } // every layout cell, in reading order
