@@ -1,5 +1,4 @@
-// Explain's patterns: elements of the traced documents found by tag path,
-// where a value came from, and the kind of a document.
+// Where a value came from, and the kind of a document.
 
 #include "tools/lcdcfg/trace.h"
 
@@ -12,87 +11,23 @@ namespace lcdcfg {
 using namespace LCD::ConfigModel;
 namespace facts = LCD::ConfigModel::facts;
 
-namespace {
-
-struct PatternStep {
-    QString name; // "*" for any
-    QVector<QPair<QString, QString>> conditions;
-};
-
-QVector<PatternStep> parsePattern(QString pattern, bool* anchored) {
-    *anchored = pattern.startsWith(QLatin1Char('/'));
-    if (*anchored) pattern.remove(0, 1);
-    QVector<PatternStep> steps;
-    for (const QString& text : pattern.split(QLatin1Char('/'))) {
-        PatternStep step;
-        const int bracket = text.indexOf(QLatin1Char('['));
-        step.name = bracket < 0 ? text : text.left(bracket);
-        if (bracket >= 0) {
-            for (QString c : text.mid(bracket + 1).split(QLatin1Char('['))) {
-                c.chop(1); // "]"
-                const int eq = c.indexOf(QLatin1Char('='));
-                step.conditions.push_back({c.left(eq), c.mid(eq + 1)});
-            }
-        }
-        steps.push_back(step);
-    }
-    return steps;
-}
-
-bool sameValue(const QString& a, const QString& b) {
-    bool okA = false;
-    bool okB = false;
-    const qlonglong x = a.trimmed().toLongLong(&okA);
-    const qlonglong y = b.trimmed().toLongLong(&okB);
-    return okA && okB ? x == y : a == b;
-}
-
-bool matches(QDomElement e, const QVector<PatternStep>& steps, bool anchored) {
-    for (int i = steps.size() - 1; i >= 0; --i, e = e.parentNode().toElement()) {
-        if (e.isNull()) return false;
-        const PatternStep& step = steps[i];
-        if (step.name != QLatin1String("*") && step.name != e.tagName()) return false;
-        for (const auto& c : step.conditions)
-            if (!e.hasAttribute(c.first) || !sameValue(e.attribute(c.first), c.second)) return false;
-    }
-    return !anchored || e.isNull();
-}
-
-const DocumentTrace* documentOf(const Trace& trace, const QDomElement& e) {
-    const QDomDocument owner = e.ownerDocument();
-    for (const DocumentTrace& d : trace.documents())
-        if (d.document == owner) return &d;
-    return nullptr;
-}
-
-} // namespace
-
-QVector<QDomElement> findElements(const Tree& tree, const Trace& trace, const QString& under,
-                                  const QString& pattern) {
-    bool anchored = false;
-    const QVector<PatternStep> steps = parsePattern(pattern, &anchored);
-    QVector<QDomElement> found;
-    for (const DocumentTrace& d : trace.documents()) {
-        if (!d.ok || !d.rejected.isEmpty() || !tree.relative(d.path).startsWith(under)) continue;
-        forEachElement(d.document, [&](const QDomElement& e) {
-            if (matches(e, steps, anchored)) found << e;
-        });
-    }
-    return found;
-}
-
-QDomElement findElement(const Tree& tree, const Trace& trace, const QString& under, const QString& pattern) {
-    return findElements(tree, trace, under, pattern).value(0);
+QString sourceOf(const Tree& tree, const Trace& trace, const Site* site, const QString& attribute) {
+    if (!site) return QStringLiteral("-");
+    const AttributeTrace* read = trace.readAt(site, attribute);
+    if (!read) return QStringLiteral("not read");
+    if (!read->present) return QStringLiteral("default");
+    return QStringLiteral("%1:%2").arg(tree.relative(site->document)).arg(site->line);
 }
 
 QString sourceOf(const Tree& tree, const Trace& trace, const QDomElement& e, const QString& attribute) {
     if (e.isNull()) return QStringLiteral("-");
-    const DocumentTrace* d = documentOf(trace, e);
-    const ElementTrace* t = d ? d->at(e) : nullptr;
-    const AttributeTrace* read = t ? t->read(attribute) : nullptr;
-    if (!read) return QStringLiteral("not read");
-    if (!read->present) return QStringLiteral("default");
-    return QStringLiteral("%1:%2").arg(tree.relative(d->path)).arg(e.lineNumber());
+    const QDomDocument owner = e.ownerDocument();
+    for (const DocumentTrace& d : trace.documents())
+        if (d.document == owner) {
+            const Site site{d.path, e.tagName(), e.lineNumber(), e.columnNumber(), {}};
+            return sourceOf(tree, trace, &site, attribute);
+        }
+    return QStringLiteral("not read");
 }
 
 QString documentKind(const Tree& tree, const DocumentTrace& document) {
