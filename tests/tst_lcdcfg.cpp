@@ -162,6 +162,13 @@ private Q_SLOTS:
             "<zh_CN></zh_CN>", {"subcard/2102_dvi_4in.xml:6:name-missing-zh"}, 1);
         row("no English device name", "device/29974/29974_feature.xml", "<en>4U LCD Splicing Processor</en>",
             "", {"device/29974/29974_feature.xml:11:name-missing-en"}, 1);
+        row("device without type name", "device/29974/29974_feature.xml",
+            "<TypeName Icon=\"images/device/ts4u.png\">\n      <en>4U LCD Splicing Processor</en>\n"
+            "      <zh_CN>4U液晶拼接处理器</zh_CN>\n    </TypeName>",
+            "",
+            {"device/29974/29974_feature.xml:10:name-missing-en",
+             "device/29974/29974_feature.xml:10:name-missing-zh"},
+            1);
         row("template without Chinese name", mosaic, " zh_CN=\"横向条屏 1x4\"", "",
             {mosaic + ":12:name-missing-zh"}, 1);
         row("function item without English name", "menu/menufcitems.xml", "<en>Screens</en>", "",
