@@ -136,7 +136,7 @@ enum class RecordKind : quint8 {
     MenuFunction,   // a function item; index among them
     MenuItem, // a node of the menu tree: the top node index 0, below it index among its parent's children
 
-    Feature, // a feature file's "Device", below Model; index 0 (the model keeps one)
+    Feature, // a feature file's "Device", below Model, and its lists below it; index 0 (the model keeps one)
 };
 
 struct RecordRead {
