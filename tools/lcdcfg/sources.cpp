@@ -11,21 +11,29 @@ namespace lcdcfg {
 using namespace LCD::ConfigModel;
 namespace facts = LCD::ConfigModel::facts;
 
-QString sourceOf(const Tree& tree, const Trace& trace, const Site* site, const QString& attribute) {
-    if (!site) return QStringLiteral("-");
-    const AttributeTrace* read = trace.readAt(site, attribute);
+namespace {
+
+QString sourceText(const Tree& tree, const QString& document, int line, const AttributeTrace* read) {
     if (!read) return QStringLiteral("not read");
     if (!read->present) return QStringLiteral("default");
-    return QStringLiteral("%1:%2").arg(tree.relative(site->document)).arg(site->line);
+    return QStringLiteral("%1:%2").arg(tree.relative(document)).arg(line);
 }
 
+} // namespace
+
+QString sourceOf(const Tree& tree, const Trace& trace, const Site* site, const QString& attribute) {
+    return site ? sourceText(tree, site->document, site->line, trace.readAt(site, attribute))
+                : QStringLiteral("-");
+}
+
+// The document that owns `e` (a document read twice is traced twice).
 QString sourceOf(const Tree& tree, const Trace& trace, const QDomElement& e, const QString& attribute) {
     if (e.isNull()) return QStringLiteral("-");
     const QDomDocument owner = e.ownerDocument();
     for (const DocumentTrace& d : trace.documents())
         if (d.document == owner) {
-            const Site site{d.path, e.tagName(), e.lineNumber(), e.columnNumber(), {}};
-            return sourceOf(tree, trace, &site, attribute);
+            const ElementTrace* t = d.at(e);
+            return sourceText(tree, d.path, e.lineNumber(), t ? t->read(attribute) : nullptr);
         }
     return QStringLiteral("not read");
 }
