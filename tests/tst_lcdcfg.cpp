@@ -190,6 +190,8 @@ private Q_SLOTS:
             "Width=\"-720\" Height=\"480\"", {"connector/resolutions.xml:9:range-size-empty"}, 1);
         row("count stored as 0", "subcard/2104_12gsdi_2in.xml", "InterlacedMaxCount=\"2\"",
             "InterlacedMaxCount=\"-1\"", {"subcard/2104_12gsdi_2in.xml:7:field-overflow"}, 1);
+        row("model number beyond 16 bits", "device/29974/29974_feature.xml", "<Device ModuleId=\"29974\"",
+            "<Device ModuleId=\"95510\"", {"device/29974/29974_feature.xml:10:field-overflow"}, 1);
         row("slot index in two groups", slot, "<Slot Index=\"3\"/>", "<Slot Index=\"6\"/>",
             {slot + ":33:slot-duplicate"}, 1);
         row("two screen files of one type", splice, "Screen Type=\"1\"", "Screen Type=\"2\"",
