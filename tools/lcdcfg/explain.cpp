@@ -311,7 +311,8 @@ int explainConnector(const Tree& tree, const Trace& trace, Answer& a, int type, 
 
 int explainFeature(const Tree& tree, const Trace& trace, Answer& a, int model, const QString& path) {
     Step m;
-    if (!deviceOf(tree, model, &m)) return -1;
+    const Devicecfg::s_Device* device = deviceOf(tree, model, &m);
+    if (!device || device->feature == Feature::s_DeviceFeature{}) return -1; // no feature file kept
     // the element PATH names below the feature file's <Device>, ignoring case
     const Site* feature = trace.record({m, {K::Feature, 0}});
     const QDomElement hit =
