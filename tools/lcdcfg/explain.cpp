@@ -248,28 +248,27 @@ int resolutionMode(const Trace& trace, int mode) {
     return -1;
 }
 
-// The catalogue records of the resolutions of capacity mode `mode` the
-// queries list: the lists of modes 0, 1, ... joined, less what a connector
-// disables, so each is the next record in that order that holds it.
-QVector<const Site*> resolutionRecords(const Trace& trace, int mode,
-                                       const Connector::s_resolutionResolutionRatioArray& list) {
+// The catalogue records of the resolutions the queries list for capacity
+// mode `mode`: the standard lists of modes 0, 1, ... joined (`count` in all),
+// each less what the connector disables, so each is the next record of its
+// mode that holds it.
+QVector<const Site*> resolutionRecords(const Trace& trace, const ConnectorConfigInterface& connectors,
+                                       int type, int interface, int mode, size_t count) {
+    const QuietLibrary quiet; // a mode the catalogue lacks was told once already
     QVector<const Site*> sites;
-    int m = 0;
-    int k = resolutionMode(trace, m);
-    int i = 0;
-    for (const Connector::s_resolutionResolutionRatio& r : list) {
-        const Site* found = nullptr;
-        while (!found && m <= mode) {
-            const RecordPath at{{K::ResolutionMode, k}, {K::Resolution, i++}};
-            if (k < 0 || !trace.record(at)) {
-                k = resolutionMode(trace, ++m);
-                i = 0;
-            } else if (stores(trace, at, "Width", r.width) && stores(trace, at, "Height", r.height) &&
-                       stores(trace, at, "RefreshRate", r.refreshRate)) {
-                found = trace.record(at);
+    for (int m = 0; m <= mode && size_t(sites.size()) < count; ++m) {
+        const int k = resolutionMode(trace, m);
+        int i = 0;
+        for (const auto& r : connectors.findConnectorStandardResolution(m, type, interface)) {
+            const Site* found = nullptr;
+            while (!found && k >= 0 && trace.record({{K::ResolutionMode, k}, {K::Resolution, i}})) {
+                const RecordPath at{{K::ResolutionMode, k}, {K::Resolution, i++}};
+                if (stores(trace, at, "Width", r.width) && stores(trace, at, "Height", r.height) &&
+                    stores(trace, at, "RefreshRate", r.refreshRate))
+                    found = trace.record(at);
             }
+            sites << found;
         }
-        sites << found;
     }
     return sites;
 }
@@ -298,7 +297,8 @@ int explainConnector(const Tree& tree, const Trace& trace, Answer& a, int type, 
     }
     a.group(1, QStringLiteral("resolutions"));
     const auto list = connectors->findConnectorResolutions(mode, type, interface);
-    const QVector<const Site*> sites = resolutionRecords(trace, mode, list);
+    const QVector<const Site*> sites =
+        resolutionRecords(trace, *connectors, type, interface, mode, list.size());
     for (size_t i = 0; i < list.size(); ++i) {
         const Connector::s_resolutionResolutionRatio& r = list[i];
         a.value(2, QStringLiteral("%1x%2@%3").arg(r.width).arg(r.height).arg(r.refreshRate),
@@ -307,6 +307,7 @@ int explainConnector(const Tree& tree, const Trace& trace, Answer& a, int type, 
     }
     return 0;
 }
+
 // ---- feature MODEL PATH -----------------------------------------------------
 
 int explainFeature(const Tree& tree, const Trace& trace, Answer& a, int model, const QString& path) {
