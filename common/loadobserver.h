@@ -135,6 +135,8 @@ enum class RecordKind : quint8 {
     KeyCheck,       // a key-check entry; index among them
     MenuFunction,   // a function item; index among them
     MenuItem, // a node of the menu tree: the top node index 0, below it index among its parent's children
+
+    Feature, // a feature file's "Device", below Model, and its lists below it; index 0 (the model keeps one)
 };
 
 struct RecordRead {

@@ -56,6 +56,7 @@ bool Walk::read(const QDomElement& root, s_DeviceFeature& f) {
     Section required(m_error, m_loader); // "Device", "Features" and "HDR" are fatal
     const Children device(required.need(root, "Device"));
     if (!required.complete()) return false;
+    const observe::Record r(RecordKind::Feature, 0, device.element());
     readIdentity(device.element(), f);
     readTypeName(device, f); // kept even when the parse fails below
     const Children features(required.need(device, "Features"));

@@ -162,6 +162,13 @@ private Q_SLOTS:
             "<zh_CN></zh_CN>", {"subcard/2102_dvi_4in.xml:6:name-missing-zh"}, 1);
         row("no English device name", "device/29974/29974_feature.xml", "<en>4U LCD Splicing Processor</en>",
             "", {"device/29974/29974_feature.xml:11:name-missing-en"}, 1);
+        row("device without type name", "device/29974/29974_feature.xml",
+            "<TypeName Icon=\"images/device/ts4u.png\">\n      <en>4U LCD Splicing Processor</en>\n"
+            "      <zh_CN>4U液晶拼接处理器</zh_CN>\n    </TypeName>",
+            "",
+            {"device/29974/29974_feature.xml:10:name-missing-en",
+             "device/29974/29974_feature.xml:10:name-missing-zh"},
+            1);
         row("template without Chinese name", mosaic, " zh_CN=\"横向条屏 1x4\"", "",
             {mosaic + ":12:name-missing-zh"}, 1);
         row("function item without English name", "menu/menufcitems.xml", "<en>Screens</en>", "",
@@ -183,6 +190,8 @@ private Q_SLOTS:
             "Width=\"-720\" Height=\"480\"", {"connector/resolutions.xml:9:range-size-empty"}, 1);
         row("count stored as 0", "subcard/2104_12gsdi_2in.xml", "InterlacedMaxCount=\"2\"",
             "InterlacedMaxCount=\"-1\"", {"subcard/2104_12gsdi_2in.xml:7:field-overflow"}, 1);
+        row("model number beyond 16 bits", "device/29974/29974_feature.xml", "<Device ModuleId=\"29974\"",
+            "<Device ModuleId=\"95510\"", {"device/29974/29974_feature.xml:10:field-overflow"}, 1);
         row("slot index in two groups", slot, "<Slot Index=\"3\"/>", "<Slot Index=\"6\"/>",
             {slot + ":33:slot-duplicate"}, 1);
         row("two screen files of one type", splice, "Screen Type=\"1\"", "Screen Type=\"2\"",

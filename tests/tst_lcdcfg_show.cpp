@@ -75,28 +75,60 @@ private Q_SLOTS:
         test::compareGolden(golden, run.out.toUtf8());
     }
 
+    // On the shipped tree, or on a copy with `plant` (file, then a text and
+    // its replacement, or "rename"/"copy" and the new name).
     void answersAndRefusals_data() {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("plant");
         QTest::newRow("Chinese type name") << QStringList{"show", "device", "--locale", "zh_CN"} << 0
-                                           << "type name         4U液晶拼接处理器";
-        QTest::newRow("unknown locale")
-            << QStringList{"show", "device", "--locale", "fr"} << 2 << "--locale is en or zh_CN, not fr";
-        QTest::newRow("unknown card") << QStringList{"show", "card", "9"} << 1 << "no card model 9";
+                                           << "type name         4U液晶拼接处理器" << QStringList{};
+        QTest::newRow("unknown locale") << QStringList{"show", "device", "--locale", "fr"} << 2
+                                        << "--locale is en or zh_CN, not fr" << QStringList{};
+        QTest::newRow("unknown card")
+            << QStringList{"show", "card", "9"} << 1 << "no card model 9" << QStringList{};
         QTest::newRow("unknown connector type")
-            << QStringList{"show", "connector", "5"} << 1 << "no connector type 5";
-        QTest::newRow("unknown subject") << QStringList{"show", "screens"} << 2 << "cannot show screens";
+            << QStringList{"show", "connector", "5"} << 1 << "no connector type 5" << QStringList{};
+        QTest::newRow("unknown subject")
+            << QStringList{"show", "screens"} << 2 << "cannot show screens" << QStringList{};
         QTest::newRow("unknown component")
-            << QStringList{"dump", "--json", "screens"} << 2 << "unknown component screens";
-        QTest::newRow("one tree") << QStringList{"diff"} << 2 << "OLD and NEW expected";
+            << QStringList{"dump", "--json", "screens"} << 2 << "unknown component screens" << QStringList{};
+        QTest::newRow("one tree") << QStringList{"diff"} << 2 << "OLD and NEW expected" << QStringList{};
+        const QString slot = "device/29974/29974_slot.xml";
+        QTest::newRow("explain a model in a folder named after it")
+            << QStringList{"explain", "slot", "29974", "9"} << 0
+            << "placed card        2201          device/29974.old/29974_slot.xml:43"
+            << QStringList{"device/29974", "rename", "device/29974.old"};
+        QTest::newRow("explain the second of two cards of one model in a slot")
+            << QStringList{"explain", "slot", "29974", "9"} << 0
+            << "connector group  3             " + slot + ":48"
+            << QStringList{slot, "</Subcard>",
+                           "</Subcard><Subcard ModuleId=\"2201\"><ConnectorGroups>"
+                           "<ConnectorGroup Value=\"3\"/></ConnectorGroups></Subcard>"};
+        QTest::newRow("explain the feature file a model keeps")
+            << QStringList{"explain", "feature", "29974", "features.genlock.type"} << 0
+            << "Value     0  device/29974/29974_feature_z.xml:29"
+            << QStringList{"device/29974/29974_feature.xml", "copy", "device/29974/29974_feature_z.xml"};
     }
 
     void answersAndRefusals() {
         QFETCH(QStringList, args);
         QFETCH(int, code);
         QFETCH(QString, text);
-        const Run run = lcdcfg(args << "--root" << test::sharedConfig(QString()));
+        QFETCH(QStringList, plant);
+        QTemporaryDir dir;
+        QString root = test::sharedConfig(QString());
+        const QByteArray file = plant.value(0).toUtf8(), from = plant.value(1).toUtf8(),
+                         to = plant.value(2).toUtf8();
+        if (from == "rename" || from == "copy") {
+            root = test::shippedCopy(dir);
+            QVERIFY(from == "rename" ? QDir().rename(root + "/" + file, root + "/" + to)
+                                     : QFile::copy(root + "/" + file, root + "/" + to));
+        } else if (!plant.isEmpty()) {
+            root = plantedCopy(dir, {{file.constData(), from.constData(), to.constData()}});
+        }
+        const Run run = lcdcfg(args << "--root" << root);
         QCOMPARE(run.code, code);
         QVERIFY2((run.out + run.err).contains(text), qPrintable(run.out + run.err));
     }

@@ -11,6 +11,7 @@
 namespace lcdcfg {
 
 using namespace LCD::ConfigModel;
+namespace facts = LCD::ConfigModel::facts;
 
 namespace {
 
@@ -25,6 +26,8 @@ const char kForms[] =
     "  template MODEL SCREENTYPE NAME   a screen template (English name or position from 1)\n"
     "                                   and its layout cells\n";
 
+using K = RecordKind;
+
 // The answer: rows of label, value and where the value came from, printed in
 // aligned columns.
 class Answer {
@@ -33,16 +36,15 @@ public:
 
     void title(const QString& text) { m_rows.push_back({0, text, QString(), QString()}); }
     void group(int indent, const QString& text) { m_rows.push_back({indent, text, QString(), QString()}); }
-    // A value read from `attribute` of `e`.
-    void value(int indent, const QString& label, const QString& value, const QDomElement& e,
+    // A value read from `attribute` of the element of `site`.
+    void value(int indent, const QString& label, const QString& value, const Site* site,
                const QString& attribute) {
-        m_rows.push_back({indent, label, value, sourceOf(m_tree, m_trace, e, attribute)});
+        m_rows.push_back({indent, label, value, sourceOf(m_tree, m_trace, site, attribute)});
     }
-    // Integer fields, each read from the attribute of its name on `e`.
-    void fields(int indent, const QDomElement& e,
-                std::initializer_list<std::pair<const char*, qint32>> list) {
+    // Integer fields, each read from the attribute of its name on the element of `site`.
+    void fields(int indent, const Site* site, std::initializer_list<std::pair<const char*, qint32>> list) {
         for (const auto& [name, v] : list)
-            value(indent, QLatin1String(name), QString::number(v), e, QLatin1String(name));
+            value(indent, QLatin1String(name), QString::number(v), site, QLatin1String(name));
     }
     // A value with a given origin.
     void row(int indent, const QString& label, const QString& value, const QString& source) {
@@ -87,71 +89,90 @@ QString text(const std::string& s) {
     return QString::fromStdString(s);
 }
 
-const Devicecfg::s_Device* deviceOf(const Tree& tree, int model) {
-    for (const Devicecfg::s_Device& d : tree.devices()->DeviceConfigs())
-        if (d.modelId == model) return &d;
+// The first model numbered `model` with its place among the models (the one
+// the host's queries answer from), or null.
+const Devicecfg::s_Device* deviceOf(const Tree& tree, int model, Step* at) {
+    const auto& devices = tree.devices()->DeviceConfigs();
+    for (int i = 0; i < int(devices.size()); ++i)
+        if (devices[i].modelId == model) {
+            *at = {K::Model, i};
+            return &devices[i];
+        }
     return nullptr;
 }
 
-// The folder the model was read from, as the load told it.
-QString modelDir(const Tree& tree, const Trace& trace, int model) {
-    const auto& devices = tree.devices()->DeviceConfigs();
-    for (int i = 0; i < int(devices.size()); ++i)
-        if (devices[i].modelId == model)
-            if (const Site* folder = trace.record({{RecordKind::Model, i}}))
-                return tree.relative(folder->document);
-    return QString();
+// The element a record or value was read from, to read on below it.
+QDomElement elementOf(const Trace& trace, const Site* site) {
+    const DocumentTrace* d = site ? trace.document(site->document) : nullptr;
+    QDomElement found;
+    if (d)
+        forEachElement(d->document, [&](const QDomElement& e) {
+            if (found.isNull() && e.lineNumber() == site->line && e.columnNumber() == site->column) found = e;
+        });
+    return found;
+}
+
+// The element `steps` name below `from`, each the first child of that name
+// (as a reader looks a child up), or null.
+QDomElement below(QDomElement from, const QStringList& steps, Qt::CaseSensitivity cs = Qt::CaseSensitive) {
+    for (const QString& step : steps) {
+        QDomElement c = from.firstChildElement();
+        while (!c.isNull() && c.tagName().compare(step, cs) != 0)
+            c = c.nextSiblingElement();
+        from = c;
+    }
+    return from;
+}
+
+// The site of an element of `site`'s document (null when no reader reached it).
+const Site* siteOf(const Trace& trace, const Site* site, const QDomElement& e) {
+    return site && !e.isNull() ? trace.siteAt(site->document, e.lineNumber(), e.columnNumber()) : nullptr;
 }
 
 // ---- slot MODEL SLOT --------------------------------------------------------
 
+void explainPlacedCards(const Trace& trace, Answer& a, const Slot::s_Slot& slot, const RecordPath& at) {
+    for (size_t i = 0; i < slot.subcards.size(); ++i) {
+        const Slot::s_InlineSubcard& card = slot.subcards[i];
+        const RecordPath c = at + RecordPath{{K::SlotCard, int(i)}};
+        a.value(1, QStringLiteral("placed card"), num(card.moduleId), trace.record(c),
+                QStringLiteral("ModuleId"));
+        for (size_t j = 0; j < card.connectorGroups.size(); ++j) {
+            const Slot::s_ConnectorGroup& cg = card.connectorGroups[j];
+            const Site* g = trace.record(c + RecordPath{{K::SlotConnectorGroup, int(j)}});
+            a.value(2, QStringLiteral("connector group"), num(cg.value), g, QStringLiteral("Value"));
+            a.value(3, QStringLiteral("name"), text(cg.groupName), g, QStringLiteral("GroupName"));
+        }
+    }
+    if (slot.subcards.empty())
+        a.row(1, QStringLiteral("placed card"), QStringLiteral("none"), QStringLiteral("-"));
+}
+
 int explainSlot(const Tree& tree, const Trace& trace, Answer& a, int model, int index) {
-    const Devicecfg::s_Device* device = deviceOf(tree, model);
+    Step m;
+    const Devicecfg::s_Device* device = deviceOf(tree, model, &m);
     if (!device) return -1;
-    const QString dir = modelDir(tree, trace, model);
-    for (const LCD::ConfigModel::facts::SlotGroupFacts& facts : LCD::ConfigModel::facts::kSlotGroups) {
-        const char* tag = facts.element;
-        const Slot::s_SlotAttr* group = &(device->slot.slots.*facts.member);
-        for (const Slot::s_Slot& slot : group->slots) {
+    for (int g = 0; g < int(facts::kSlotGroups.size()); ++g) {
+        const facts::SlotGroupFacts& facts = facts::kSlotGroups[size_t(g)];
+        const Slot::s_SlotAttr& group = device->slot.slots.*facts.member;
+        for (int s = 0; s < int(group.slots.size()); ++s) {
+            const Slot::s_Slot& slot = group.slots[size_t(s)];
             if (slot.index != index) continue;
-            const QString g = QStringLiteral("Slots/") + QLatin1String(tag);
-            const QDomElement groupElement = findElement(tree, trace, dir, g);
+            const RecordPath at{m, {K::SlotGroup, g}};
+            const Site* groupSite = trace.record(at);
             a.title(QStringLiteral("slot %1 of model %2").arg(index).arg(model));
-            a.value(1, QStringLiteral("group"), QLatin1String(tag), groupElement,
+            a.value(1, QStringLiteral("group"), QLatin1String(facts.element), groupSite,
                     QStringLiteral("SilkScreenName"));
-            a.value(1, QStringLiteral("silk-screen name"), text(group->silkScreenName), groupElement,
+            a.value(1, QStringLiteral("silk-screen name"), text(group.silkScreenName), groupSite,
                     QStringLiteral("SilkScreenName"));
-            a.value(1, QStringLiteral("interface type"), num(group->interfaceType), groupElement,
+            a.value(1, QStringLiteral("interface type"), num(group.interfaceType), groupSite,
                     QStringLiteral("InterfaceType"));
-            const QDomElement slotElement =
-                findElement(tree, trace, dir, g + QStringLiteral("/*[Index=%1]").arg(index));
-            a.value(1, QStringLiteral("index"), num(slot.index), slotElement, QStringLiteral("Index"));
-            const QVector<QDomElement> accepted =
-                findElements(tree, trace, dir, g + QStringLiteral("/Subcards/*"));
-            for (size_t i = 0; i < group->subcards.size(); ++i)
-                a.value(1, QStringLiteral("accepted card"), num(group->subcards[i].moduleId),
-                        accepted.value(int(i)), QStringLiteral("ModuleId"));
-            const QVector<QDomElement> placed =
-                findElements(tree, trace, dir, g + QStringLiteral("/*[Index=%1]/Subcards/*").arg(index));
-            for (size_t i = 0; i < slot.subcards.size(); ++i) {
-                const Slot::s_InlineSubcard& card = slot.subcards[i];
-                const QDomElement c = placed.value(int(i));
-                a.value(1, QStringLiteral("placed card"), num(card.moduleId), c, QStringLiteral("ModuleId"));
-                const QVector<QDomElement> gs =
-                    findElements(tree, trace, dir,
-                                 g + QStringLiteral("/*[Index=%1]/Subcards/*[ModuleId=%2]/ConnectorGroups/*")
-                                         .arg(index)
-                                         .arg(card.moduleId));
-                for (size_t j = 0; j < card.connectorGroups.size(); ++j) {
-                    const Slot::s_ConnectorGroup& cg = card.connectorGroups[j];
-                    a.value(2, QStringLiteral("connector group"), num(cg.value), gs.value(int(j)),
-                            QStringLiteral("Value"));
-                    a.value(3, QStringLiteral("name"), text(cg.groupName), gs.value(int(j)),
-                            QStringLiteral("GroupName"));
-                }
-            }
-            if (slot.subcards.empty())
-                a.row(1, QStringLiteral("placed card"), QStringLiteral("none"), QStringLiteral("-"));
+            a.value(1, QStringLiteral("index"), num(slot.index), trace.record(at + RecordPath{{K::Slot, s}}),
+                    QStringLiteral("Index"));
+            for (size_t i = 0; i < group.subcards.size(); ++i)
+                a.value(1, QStringLiteral("accepted card"), num(group.subcards[i].moduleId),
+                        trace.record(at + RecordPath{{K::GroupCard, int(i)}}), QStringLiteral("ModuleId"));
+            explainPlacedCards(trace, a, slot, at + RecordPath{{K::Slot, s}});
             return 0;
         }
     }
@@ -161,22 +182,20 @@ int explainSlot(const Tree& tree, const Trace& trace, Answer& a, int model, int 
 // ---- card MODEL -------------------------------------------------------------
 
 int explainCard(const Tree& tree, const Trace& trace, Answer& a, int model) {
+    int position = 0;
     for (const Subcard::s_Subcard& card : tree.cards()->subcardConfig()) {
+        const Step at{K::Card, position++};
         if (card.modelId != model) continue;
-        const QDomElement e = findElement(tree, trace, QStringLiteral("subcard"),
-                                          QStringLiteral("Subcards/*[ModelId=%1]").arg(model));
         a.title(QStringLiteral("card %1: %2").arg(model).arg(text(card.name.en)));
-        a.value(1, QStringLiteral("card mode"), num(card.cardMode), e, QStringLiteral("CardMode"));
-        const QVector<QDomElement> list =
-            findElements(tree, trace, QStringLiteral("subcard"),
-                         QStringLiteral("Subcards/*[ModelId=%1]/Connectors/Connector").arg(model));
+        a.value(1, QStringLiteral("card mode"), num(card.cardMode), trace.record({at}),
+                QStringLiteral("CardMode"));
         if (card.connectors.connectors.empty())
             a.row(1, QStringLiteral("connectors"), QStringLiteral("none"), QStringLiteral("-"));
         for (size_t i = 0; i < card.connectors.connectors.size(); ++i) {
             const Subcard::s_Connector& c = card.connectors.connectors[i];
-            const QDomElement ce = list.value(int(i));
-            a.value(1, QStringLiteral("connector"), num(c.position), ce, QStringLiteral("Position"));
-            a.fields(2, ce,
+            const Site* site = trace.record({at, {K::Connector, int(i)}});
+            a.value(1, QStringLiteral("connector"), num(c.position), site, QStringLiteral("Position"));
+            a.fields(2, site,
                      {
                          {"Type", c.type},
                          {"InterfaceType", c.interfaceType},
@@ -195,43 +214,96 @@ int explainCard(const Tree& tree, const Trace& trace, Answer& a, int model) {
 
 // ---- connector TYPE INTERFACE MODE ------------------------------------------
 
+// Whether the record at `path` stored `value` for `attribute`.
+bool stores(const Trace& trace, const RecordPath& path, const char* attribute, int value) {
+    const Site* site = trace.record(path);
+    const QString stored = site ? site->values.value(QLatin1String(attribute)) : QString();
+    return !stored.isEmpty() && stored.toInt() == value;
+}
+
+// The records in the order the connector queries look: the capacity mode
+// `mode` of interface `interface` of the first description of connector
+// `type` that has one, in reading order. Empty when none.
+RecordPath capacityModeRecord(const Trace& trace, int type, int interface, int mode) {
+    for (int f = 0; trace.record({{K::ConnectorFile, f}}); ++f)
+        for (int d = 0; trace.record({{K::ConnectorFile, f}, {K::ConnectorDescription, d}}); ++d) {
+            const RecordPath description{{K::ConnectorFile, f}, {K::ConnectorDescription, d}};
+            if (!stores(trace, description, "Type", type)) continue;
+            for (int i = 0; trace.record(description + RecordPath{{K::DescriptionInterface, i}}); ++i) {
+                const RecordPath in = description + RecordPath{{K::DescriptionInterface, i}};
+                if (!stores(trace, in, "Type", interface)) continue;
+                for (int m = 0; trace.record(in + RecordPath{{K::InterfaceMode, m}}); ++m)
+                    if (stores(trace, in + RecordPath{{K::InterfaceMode, m}}, "Value", mode))
+                        return in + RecordPath{{K::InterfaceMode, m}};
+            }
+        }
+    return {};
+}
+
+// The first capacity mode of the resolution catalogue of value `mode` (the
+// one the queries take), or -1.
+int resolutionMode(const Trace& trace, int mode) {
+    for (int k = 0; trace.record({{K::ResolutionMode, k}}); ++k)
+        if (stores(trace, {{K::ResolutionMode, k}}, "Value", mode)) return k;
+    return -1;
+}
+
+// The catalogue records of the resolutions the queries list for capacity
+// mode `mode`: the standard lists of modes 0, 1, ... joined (`count` in all),
+// each less what the connector disables, so each is the next record of its
+// mode that holds it.
+QVector<const Site*> resolutionRecords(const Trace& trace, const ConnectorConfigInterface& connectors,
+                                       int type, int interface, int mode, size_t count) {
+    const QuietLibrary quiet; // a mode the catalogue lacks was told once already
+    QVector<const Site*> sites;
+    for (int m = 0; m <= mode && size_t(sites.size()) < count; ++m) {
+        const int k = resolutionMode(trace, m);
+        int i = 0;
+        for (const auto& r : connectors.findConnectorStandardResolution(m, type, interface)) {
+            const Site* found = nullptr;
+            while (!found && k >= 0 && trace.record({{K::ResolutionMode, k}, {K::Resolution, i}})) {
+                const RecordPath at{{K::ResolutionMode, k}, {K::Resolution, i++}};
+                if (stores(trace, at, "Width", r.width) && stores(trace, at, "Height", r.height) &&
+                    stores(trace, at, "RefreshRate", r.refreshRate))
+                    found = trace.record(at);
+            }
+            sites << found;
+        }
+    }
+    return sites;
+}
+
 int explainConnector(const Tree& tree, const Trace& trace, Answer& a, int type, int interface, int mode) {
     ConnectorConfigInterface* connectors = tree.connectors();
     const Connector::s_ConnectorResolutionRatio* def =
         connectors->findConnectorDefaultResolution(mode, type, interface);
     if (!def) return -1;
-    const QString under = QStringLiteral("connector");
-    const QString base = QStringLiteral("Connectors/*[Type=%1]/CapacityMode/*[Type=%2]/*[Value=%3]")
-                             .arg(type)
-                             .arg(interface)
-                             .arg(mode);
     a.title(QStringLiteral("connector type %1, interface type %2, capacity mode %3")
                 .arg(type)
                 .arg(interface)
                 .arg(mode));
     a.group(1, QStringLiteral("default resolution"));
+    const Site* capacity = trace.record(capacityModeRecord(trace, type, interface, mode));
+    const QDomElement ratio = below(elementOf(trace, capacity),
+                                    {QStringLiteral("ResolutionRatios"), QStringLiteral("ResolutionRatio")});
     const std::pair<const char*, const s_RangeValue*> axes[] = {{"Width", &def->width.range},
                                                                 {"Height", &def->height.range},
                                                                 {"RefreshRate", &def->refreshRate.range}};
     for (const auto& [name, range] : axes) {
-        const QDomElement e =
-            findElement(tree, trace, under,
-                        base + QStringLiteral("/ResolutionRatios/ResolutionRatio/") + QLatin1String(name));
-        a.value(2, QLatin1String(name), num(range->value), e, QStringLiteral("Value"));
-        a.value(3, QStringLiteral("min"), num(range->min), e, QStringLiteral("Min"));
-        a.value(3, QStringLiteral("max"), num(range->max), e, QStringLiteral("Max"));
+        const Site* site = siteOf(trace, capacity, below(ratio, {QLatin1String(name)}));
+        a.value(2, QLatin1String(name), num(range->value), site, QStringLiteral("Value"));
+        a.value(3, QStringLiteral("min"), num(range->min), site, QStringLiteral("Min"));
+        a.value(3, QStringLiteral("max"), num(range->max), site, QStringLiteral("Max"));
     }
     a.group(1, QStringLiteral("resolutions"));
-    for (const Connector::s_resolutionResolutionRatio& r :
-         connectors->findConnectorResolutions(mode, type, interface)) {
-        const QDomElement e =
-            findElement(tree, trace, under,
-                        QStringLiteral("/*/ResolutionRatios/*/*[Width=%1][Height=%2][RefreshRate=%3]")
-                            .arg(r.width)
-                            .arg(r.height)
-                            .arg(r.refreshRate));
+    const auto list = connectors->findConnectorResolutions(mode, type, interface);
+    const QVector<const Site*> sites =
+        resolutionRecords(trace, *connectors, type, interface, mode, list.size());
+    for (size_t i = 0; i < list.size(); ++i) {
+        const Connector::s_resolutionResolutionRatio& r = list[i];
         a.value(2, QStringLiteral("%1x%2@%3").arg(r.width).arg(r.height).arg(r.refreshRate),
-                QStringLiteral("interlaced %1").arg(r.interlaced), e, QStringLiteral("Width"));
+                QStringLiteral("interlaced %1").arg(r.interlaced), sites.value(int(i)),
+                QStringLiteral("Width"));
     }
     return 0;
 }
@@ -239,102 +311,86 @@ int explainConnector(const Tree& tree, const Trace& trace, Answer& a, int type, 
 // ---- feature MODEL PATH -----------------------------------------------------
 
 int explainFeature(const Tree& tree, const Trace& trace, Answer& a, int model, const QString& path) {
-    if (!deviceOf(tree, model)) return -1;
-    // the element whose tag path below <Device> spells PATH, ignoring case
-    const QStringList wanted = path.split(QLatin1Char('.'));
-    QDomElement hit;
-    const QString dir = modelDir(tree, trace, model) + QLatin1Char('/');
-    for (const DocumentTrace& d : trace.documents()) {
-        if (!tree.relative(d.path).startsWith(dir) ||
-            documentKind(tree, d) != QLatin1String("device-feature") || !d.ok)
-            continue;
-        forEachElement(d.document, [&](const QDomElement& e) {
-            if (!hit.isNull()) return;
-            QStringList tags = elementPath(e).split(QLatin1Char('/')).mid(2); // below <Device>
-            if (tags.size() != wanted.size()) return;
-            for (int i = 0; i < tags.size(); ++i)
-                if (tags[i].compare(wanted[i], Qt::CaseInsensitive) != 0) return;
-            hit = e;
-        });
-    }
+    Step m;
+    const Devicecfg::s_Device* device = deviceOf(tree, model, &m);
+    if (!device || device->feature == Feature::s_DeviceFeature{}) return -1; // no feature file kept
+    // the element PATH names below the feature file's <Device>, ignoring case
+    const Site* feature = trace.record({m, {K::Feature, 0}});
+    const QDomElement hit =
+        below(elementOf(trace, feature), path.split(QLatin1Char('.')), Qt::CaseInsensitive);
     if (hit.isNull()) return -1;
-    const DocumentTrace* d = nullptr;
-    for (const DocumentTrace& doc : trace.documents())
-        if (doc.document == hit.ownerDocument()) d = &doc;
     a.title(QStringLiteral("%1 of model %2 (<%3>)").arg(path).arg(model).arg(elementPath(hit)));
-    const ElementTrace* t = d ? d->at(hit) : nullptr;
-    if (t) {
+    const Site* site = siteOf(trace, feature, hit);
+    const DocumentTrace* d = trace.document(feature->document);
+    if (const ElementTrace* t = d ? d->at(hit) : nullptr) {
         QStringList seen;
         for (const AttributeTrace& r : t->reads) {
             if (seen.contains(r.name)) continue;
             seen << r.name;
-            a.value(1, r.name, r.stored, hit, r.name);
+            a.value(1, r.name, r.stored, site, r.name);
         }
     }
     // the values listed below it
     for (QDomElement c = hit.firstChildElement(); !c.isNull(); c = c.nextSiblingElement()) {
-        const ElementTrace* ct = d ? d->at(c) : nullptr;
-        if (!ct || !ct->read(QStringLiteral("Value")) || !c.firstChildElement().isNull()) continue;
-        a.value(1, QStringLiteral("value"), ct->read(QStringLiteral("Value"))->stored, c,
-                QStringLiteral("Value"));
+        const Site* value = siteOf(trace, feature, c);
+        const AttributeTrace* read = trace.readAt(value, QStringLiteral("Value"));
+        if (!read || !c.firstChildElement().isNull()) continue;
+        a.value(1, QStringLiteral("value"), read->stored, value, QStringLiteral("Value"));
     }
     return 0;
 }
 
 // ---- template MODEL SCREENTYPE NAME -----------------------------------------
 
+void explainLayout(const Trace& trace, Answer& a, const Screen::s_Layout& layout, const RecordPath& at) {
+    const Site* site = trace.record(at);
+    a.value(2, QStringLiteral("rows"), num(layout.rows), site, QStringLiteral("Rows"));
+    a.value(2, QStringLiteral("columns"), num(layout.columns), site, QStringLiteral("Columns"));
+    a.value(2, QStringLiteral("screen id"), num(layout.screenId), site, QStringLiteral("ScreenId"));
+    for (size_t k = 0; k < layout.cells.size(); ++k) {
+        const Screen::s_Cell& c = layout.cells[k];
+        a.group(2, QStringLiteral("cell %1").arg(k + 1));
+        a.fields(3, trace.record(at + RecordPath{{K::Cell, int(k)}}),
+                 {
+                     {"X", c.x},
+                     {"Y", c.y},
+                     {"Width", c.width},
+                     {"Height", c.height},
+                     {"Row", c.row},
+                     {"Column", c.column},
+                     {"SlotIndex", c.slotIndex},
+                     {"ConnectorIndex", c.connectorIndex},
+                 });
+    }
+}
+
 int explainTemplate(const Tree& tree, const Trace& trace, Answer& a, int model, int screenType,
                     const QString& name) {
-    const Devicecfg::s_Device* device = deviceOf(tree, model);
+    Step m;
+    const Devicecfg::s_Device* device = deviceOf(tree, model, &m);
     if (!device) return -1;
-    for (const Screen::s_VrnScreen& screen : device->screens) {
+    for (int s = 0; s < device->screens.size(); ++s) {
+        const Screen::s_VrnScreen& screen = device->screens[s];
         if (screen.type != screenType) continue;
-        for (const Screen::s_DeviceMode& mode : screen.deviceModes) {
-            const QVector<QDomElement> elements =
-                findElements(tree, trace, modelDir(tree, trace, model),
-                             QStringLiteral("Screen[Type=%1]/DeviceModes/*[Value=%2]/Templetes/*")
-                                 .arg(screenType)
-                                 .arg(mode.value));
+        for (size_t d = 0; d < screen.deviceModes.size(); ++d) {
+            const Screen::s_DeviceMode& mode = screen.deviceModes[d];
             for (size_t i = 0; i < mode.templetes.size(); ++i) {
                 const Screen::s_Templete& t = mode.templetes[i];
                 if (text(t.name.en) != name && QString::number(i + 1) != name) continue;
-                const QDomElement te = elements.value(int(i));
-                const QDomElement ne = te.firstChildElement(QStringLiteral("Name"));
+                const RecordPath at{m, {K::Screen, s}, {K::DeviceMode, int(d)}, {K::Templete, int(i)}};
+                const Site* templete = trace.record(at);
+                const Site* names =
+                    siteOf(trace, templete, below(elementOf(trace, templete), {QStringLiteral("Name")}));
                 a.title(QStringLiteral("template %1 of screen type %2, model %3, device mode %4")
                             .arg(name)
                             .arg(screenType)
                             .arg(model)
                             .arg(mode.value));
-                a.value(1, QStringLiteral("name"), text(t.name.en), ne, QStringLiteral("en"));
-                a.value(1, QStringLiteral("name (zh_CN)"), text(t.name.zhCN), ne, QStringLiteral("zh_CN"));
-                QVector<QDomElement> layouts;
-                for (QDomElement l = te.firstChildElement(QStringLiteral("Layouts")).firstChildElement();
-                     !l.isNull(); l = l.nextSiblingElement())
-                    layouts << l;
+                a.value(1, QStringLiteral("name"), text(t.name.en), names, QStringLiteral("en"));
+                a.value(1, QStringLiteral("name (zh_CN)"), text(t.name.zhCN), names, QStringLiteral("zh_CN"));
                 for (size_t j = 0; j < t.layouts.size(); ++j) {
-                    const Screen::s_Layout& layout = t.layouts[j];
-                    const QDomElement le = layouts.value(int(j));
                     a.group(1, QStringLiteral("layout %1").arg(j + 1));
-                    a.value(2, QStringLiteral("rows"), num(layout.rows), le, QStringLiteral("Rows"));
-                    a.value(2, QStringLiteral("columns"), num(layout.columns), le, QStringLiteral("Columns"));
-                    a.value(2, QStringLiteral("screen id"), num(layout.screenId), le,
-                            QStringLiteral("ScreenId"));
-                    QDomElement ce = le.firstChildElement();
-                    for (size_t k = 0; k < layout.cells.size(); ++k, ce = ce.nextSiblingElement()) {
-                        const Screen::s_Cell& c = layout.cells[k];
-                        a.group(2, QStringLiteral("cell %1").arg(k + 1));
-                        a.fields(3, ce,
-                                 {
-                                     {"X", c.x},
-                                     {"Y", c.y},
-                                     {"Width", c.width},
-                                     {"Height", c.height},
-                                     {"Row", c.row},
-                                     {"Column", c.column},
-                                     {"SlotIndex", c.slotIndex},
-                                     {"ConnectorIndex", c.connectorIndex},
-                                 });
-                    }
+                    explainLayout(trace, a, t.layouts[j], at + RecordPath{{K::Layout, int(j)}});
                 }
                 return 0;
             }

@@ -324,22 +324,29 @@ void currentDeviceMissing(RuleRun& run) {
                QStringLiteral("the current device, model %1, is not described").arg(facts::kCurrentModel));
 }
 
+// Where a model's type name is missing: where its feature file's reader
+// looked for the name and found nothing (a missing English name ends the
+// reading, so the Chinese is not looked for), else the file's "Device".
+const Site* typeNameSite(RuleRun& run, int model, bool english) {
+    const Site* file = run.trace.record({{K::Model, model}, {K::Feature, 0}});
+    if (!file) return nullptr;
+    for (const char* name : {english ? "en" : "zh_CN", "en", "TypeName"})
+        if (const Site* at = run.missingSite(file->document, QLatin1String(name))) return at;
+    return file;
+}
+
 void names(RuleRun& run, bool english) {
     const QString language = english ? QStringLiteral("English") : QStringLiteral("Chinese");
     int m = 0;
     if (run.tree.devices())
         for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-            const QString folder = run.modelFolder(m++);
+            const int model = m++;
             // a feature file that failed is reported as such
             if (!(english ? device.feature.enName : device.feature.zhName).empty() ||
                 device.feature == Feature::s_DeviceFeature{})
                 continue;
-            const Site* at = run.first(folder, QStringLiteral("TypeName"), {});
-            for (const Missing& m : run.trace.missing())
-                if (!at && m.name == QLatin1String("TypeName") && run.under(folder)(m.document))
-                    at = run.missingSite(m.document, m.name);
             run.report(
-                at, folder,
+                typeNameSite(run, model, english), run.modelFolder(model),
                 QStringLiteral("device model %1 has no %2 type name").arg(device.modelId).arg(language));
         }
     int position = 0;
@@ -499,10 +506,6 @@ std::function<bool(const QString&)> RuleRun::under(const QString& folder) const 
 std::function<bool(const QString&)> RuleRun::is(const QString& document) const {
     const QString path = QDir(tree.root()).absoluteFilePath(document);
     return [path](const QString& d) { return d == path; };
-}
-
-const Site* RuleRun::first(const QString& folder, const QString& tag, Trace::Match values) const {
-    return folder.isEmpty() ? nullptr : trace.find(under(folder), tag, values).value(0);
 }
 
 bool RuleRun::knownCard(int modelId) const {

@@ -39,8 +39,6 @@ public:
     // Documents under a folder of the root ("subcard", "device/29974"), or one file.
     std::function<bool(const QString&)> under(const QString& folder) const;
     std::function<bool(const QString&)> is(const QString& document) const;
-    // The first site with `tag` and `values` under `folder`, or null.
-    const Site* first(const QString& folder, const QString& tag, Trace::Match values) const;
     // Whether the catalogue has the card model, or the host loses it to a bad file.
     bool knownCard(int modelId) const;
     // The (first) path a part loads, absolute: "ROOT/subcard".

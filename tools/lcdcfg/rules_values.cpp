@@ -12,10 +12,7 @@ namespace facts = LCD::ConfigModel::facts;
 using K = RecordKind;
 
 const AttributeTrace* readOf(const Trace& trace, const Site* site, const QString& name) {
-    const DocumentTrace* document = site ? trace.document(site->document) : nullptr;
-    const auto it = document ? document->elements.constFind({site->line, site->column})
-                             : QHash<Position, ElementTrace>::const_iterator();
-    return document && it != document->elements.constEnd() ? it->read(name) : nullptr;
+    return trace.readAt(site, name);
 }
 
 namespace {
@@ -97,17 +94,9 @@ void fieldOverflow(RuleRun& run) {
     int m = 0;
     if (run.tree.devices())
         for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
-            const QString folder = run.modelFolder(m++);
-            if (folder.isEmpty()) continue; // no file of the model was read
-            const auto inFolder = run.under(folder);
-            for (const DocumentTrace& d : run.trace.documents())
-                for (auto it = d.elements.cbegin(); inFolder(d.path) && it != d.elements.cend(); ++it) {
-                    const AttributeTrace* a = it->read(QStringLiteral("ModuleId"));
-                    if (!a || a->kind != ReadKind::UInt) continue; // the feature file's
-                    const Site* site = run.trace.siteAt(d.path, it.key().first, it.key().second);
-                    check(site, "ModuleId", device.feature.moduleId);
-                    check(site, "ConnectorPluginMode", device.feature.connectorPluginMode);
-                }
+            const Site* site = run.trace.record({{K::Model, m++}, {K::Feature, 0}});
+            check(site, "ModuleId", device.feature.moduleId);
+            check(site, "ConnectorPluginMode", device.feature.connectorPluginMode);
         }
 }
 

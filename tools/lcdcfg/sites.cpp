@@ -30,6 +30,13 @@ const Site* Trace::record(const RecordPath& path) const {
     return it == m_records.constEnd() || m_sites[*it].document.isEmpty() ? nullptr : &m_sites[*it];
 }
 
+const AttributeTrace* Trace::readAt(const Site* site, const QString& name) const {
+    const DocumentTrace* d = site ? document(site->document) : nullptr;
+    const auto it = d ? d->elements.constFind({site->line, site->column})
+                      : QHash<Position, ElementTrace>::const_iterator();
+    return d && it != d->elements.constEnd() ? it->read(name) : nullptr;
+}
+
 QVector<const Site*> Trace::records(RecordKind kind) const {
     QVector<const Site*> sites;
     for (const auto& started : m_started)

@@ -172,6 +172,8 @@ public:
     // The element of every record of `kind` the library started, in reading
     // order, kept or not (a rejected card too).
     QVector<const Site*> records(LCD::ConfigModel::RecordKind kind) const;
+    // The attribute `name` as read on the element of `site`, or null.
+    const AttributeTrace* readAt(const Site* site, const QString& name) const;
 
     // -- what report draws that the records do not carry
     const QVector<Place>& cells() const { return m_cells; } // every layout cell, in reading order
@@ -284,19 +286,10 @@ bool nearName(const QString& name, const QString& wanted);
 
 // ---- where a value came from ----------------------------------------------
 
-// The elements of the traced documents below `under` (a path relative to the
-// tree's root, "" for all) that match `pattern`, in load and document order.
-// A pattern is a tag path matched against the end of the element's path,
-// each step a name or "*" with conditions on its attributes:
-// "Slot[Index=9]/Subcards/Subcard"; a leading "/" anchors it at the root.
-// Conditions compare numbers as numbers ("09" is 9).
-QVector<QDomElement> findElements(const Tree& tree, const Trace& trace, const QString& under,
-                                  const QString& pattern);
-QDomElement findElement(const Tree& tree, const Trace& trace, const QString& under, const QString& pattern);
-
-// Where the value a reader took from `attribute` of `e` came from:
-// "FILE:LINE" when the file states it, "default" when a reader read it
-// absent, "not read" when no reader asked, "-" for a null element.
+// Where the value a reader took from `attribute` of the element of `site`
+// (or of `e`) came from: "FILE:LINE" when the file states it, "default" when
+// a reader read it absent, "not read" when no reader asked, "-" for no element.
+QString sourceOf(const Tree& tree, const Trace& trace, const Site* site, const QString& attribute);
 QString sourceOf(const Tree& tree, const Trace& trace, const QDomElement& e, const QString& attribute);
 
 // The kind of description file a document of the tree is ("device-slot",
