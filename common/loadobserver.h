@@ -135,6 +135,10 @@ enum class RecordKind : quint8 {
     KeyCheck,       // a key-check entry; index among them
     MenuFunction,   // a function item; index among them
     MenuItem, // a node of the menu tree: the top node index 0, below it index among its parent's children
+
+    // An option of an enumerated setting (its element's parent holds the
+    // setting); index among the setting's options.
+    Option,
 };
 
 struct RecordRead {

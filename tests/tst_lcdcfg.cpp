@@ -251,6 +251,10 @@ private Q_SLOTS:
         row("grouping after the first cross-card device mode", cross,
             "</DeviceMode>\n        <DeviceMode Value=\"2\">",
             "</DeviceMode><Offset/>\n        <DeviceMode Value=\"2\">", {cross + ":16:element-read-as"}, 1);
+        row("setting value none of its options", "device/29974/29974_feature.xml",
+            "DataType=\"0\" Value=\"0\">\n          <Enum Value=\"0\"/> <!-- free run -->",
+            "DataType=\"0\" Value=\"7\">\n          <Enum Value=\"0\"/> <!-- free run -->",
+            {"device/29974/29974_feature.xml:29:range-value-unlisted"}, 1);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 
