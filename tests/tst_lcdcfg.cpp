@@ -251,6 +251,9 @@ private Q_SLOTS:
         row("grouping after the first cross-card device mode", cross,
             "</DeviceMode>\n        <DeviceMode Value=\"2\">",
             "</DeviceMode><Offset/>\n        <DeviceMode Value=\"2\">", {cross + ":16:element-read-as"}, 1);
+        row("element after the first section of a card", "subcard/2101_hdmi20_4in.xml",
+            "<Section Code=\"2\"/>", "<Section Code=\"2\"/><Note Code=\"9\"/>",
+            {"subcard/2101_hdmi20_4in.xml:161:element-read-as"}, 1);
         row("setting value none of its options", "device/29974/29974_feature.xml",
             "DataType=\"0\" Value=\"0\">\n          <Enum Value=\"0\"/> <!-- free run -->",
             "DataType=\"0\" Value=\"7\">\n          <Enum Value=\"0\"/> <!-- free run -->",

@@ -32,6 +32,59 @@ void readAs(RuleRun& run, const RecordPath& list, K kind, int count, const QStri
     }
 }
 
+// A list a walk reads, and the lists below each of its items; `what` null
+// for a list read by name (only its lists below are judged). `nested`: each
+// item holds a list of the same kind (the menu tree).
+struct List {
+    K kind;
+    const char* what;
+    const char* key;
+    std::vector<List> below;
+    bool nested = false;
+};
+
+void readAsBelow(RuleRun& run, const RecordPath& above, const List& list) {
+    const int count = recordsOf(run.trace, above, list.kind).size();
+    if (list.what) readAs(run, above, list.kind, count, QLatin1String(list.what), QLatin1String(list.key));
+    for (int i = 0; i < count; ++i) {
+        const RecordPath at = above + RecordPath{{list.kind, i}};
+        for (const List& below : list.below)
+            readAsBelow(run, at, below);
+        if (list.nested) readAsBelow(run, at, list);
+    }
+}
+
+// The card file's lists, the interface files' and the menu tree.
+const List kCardLists[] = {
+    {K::CardAssociation, "card association", "ModelId", {}},
+    {K::ConnectorMode,
+     nullptr,
+     "",
+     {{K::ModeCapacity, "capacity", "Value", {{K::CapacityConnector, "connector", "Position", {}}}}}},
+    {K::ConnectorGroup, "connector group", "Value", {{K::Connector, "connector", "Position", {}}}},
+    {K::CapacityGroup,
+     "capacity group",
+     "Value",
+     {{K::CapacityMode, "device mode", "Value", {{K::ModeConnector, "connector", "Position", {}}}}}},
+    {K::CardSection, "section", "Code", {}},
+    {K::CopyCapacity,
+     "copy capacity",
+     "Value",
+     {{K::CopyMode,
+       "device mode",
+       "Value",
+       {{K::CopyGroup, "group", "Value", {{K::CopyConnector, "connector", "Position", {}}}}}}}},
+};
+const List kInterfaceLists[] = {
+    {K::PrintKeyDevice,
+     "print-key device",
+     "ModelId",
+     {{K::PrintKeyCard, "print-key card", "ModelId", {{K::PrintKey, "print key", "Id", {}}}}}},
+    {K::KeyCheck, "key-check entry", "Value", {}},
+    {K::MenuFunction, "function item", "Key", {}},
+    {K::MenuItem, nullptr, "", {{K::MenuItem, "menu entry", "Key", {}, true}}},
+};
+
 } // namespace
 
 // Every (model position, device) pair whose folder is known.
@@ -179,6 +232,12 @@ void associationUnknown(RuleRun& run) {
 }
 
 void elementReadAs(RuleRun& run) {
+    const int cards = recordsOf(run.trace, {}, K::Card).size();
+    for (int c = 0; c < cards; ++c)
+        for (const List& list : kCardLists)
+            readAsBelow(run, {{K::Card, c}}, list);
+    for (const List& list : kInterfaceLists)
+        readAsBelow(run, {}, list);
     if (!run.tree.devices()) return;
     int m = 0;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
