@@ -254,6 +254,10 @@ private Q_SLOTS:
         row("element after the first section of a card", "subcard/2101_hdmi20_4in.xml",
             "<Section Code=\"2\"/>", "<Section Code=\"2\"/><Note Code=\"9\"/>",
             {"subcard/2101_hdmi20_4in.xml:161:element-read-as"}, 1);
+        row("grouping after the first device mode", mosaic,
+            "</DeviceMode>\n                    <!-- device mode 2",
+            "</DeviceMode><Templetes Value=\"2\"/>\n                    <!-- device mode 2",
+            {mosaic + ":115:element-read-as"}, 1);
         row("setting value none of its options", "device/29974/29974_feature.xml",
             "DataType=\"0\" Value=\"0\">\n          <Enum Value=\"0\"/> <!-- free run -->",
             "DataType=\"0\" Value=\"7\">\n          <Enum Value=\"0\"/> <!-- free run -->",

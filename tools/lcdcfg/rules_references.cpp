@@ -24,7 +24,8 @@ void readAs(RuleRun& run, const RecordPath& list, K kind, int count, const QStri
         if (site && site->tag != first->tag)
             run.report(
                 site, QString(),
-                QStringLiteral("<%1> follows the first <%2> and is read as %3 %4%5: move it before the first")
+                QStringLiteral(
+                    "<%1> follows the first <%2> and is read as %3 %4%5: nothing but <%2> may follow it")
                     .arg(site->tag, first->tag, what)
                     .arg(i + 1)
                     .arg(key.isEmpty() ? QString()
@@ -231,6 +232,26 @@ void associationUnknown(RuleRun& run) {
     }
 }
 
+namespace {
+
+// The device modes of a screen are every element of its list; one without
+// what a mode needs is dropped and leaves no place in the list, so readAs
+// does not see it: it is found among every device mode the walk started.
+void incompleteModes(RuleRun& run, const RecordPath& screen, int count) {
+    const Site* first = run.trace.record(screen + RecordPath{{K::DeviceMode, 0}});
+    QSet<const Site*> kept;
+    for (int d = 0; d < count; ++d)
+        kept.insert(run.trace.record(screen + RecordPath{{K::DeviceMode, d}}));
+    for (const Site* mode : first ? run.trace.records(K::DeviceMode) : QVector<const Site*>())
+        if (mode->document == first->document && mode->tag != first->tag && !kept.contains(mode))
+            run.report(mode, QString(),
+                       QStringLiteral("<%1> follows the first <%2> and is read as a device mode, which the "
+                                      "host drops as incomplete: nothing but <%2> may follow it")
+                           .arg(mode->tag, first->tag));
+}
+
+} // namespace
+
 void elementReadAs(RuleRun& run) {
     const int cards = recordsOf(run.trace, {}, K::Card).size();
     for (int c = 0; c < cards; ++c)
@@ -257,6 +278,7 @@ void elementReadAs(RuleRun& run) {
             const auto& modes = device.screens[s].deviceModes;
             readAs(run, screen, K::DeviceMode, int(modes.size()), QStringLiteral("device mode"),
                    QStringLiteral("Value"));
+            incompleteModes(run, screen, int(modes.size()));
             for (int d = 0; d < int(modes.size()); ++d) {
                 const RecordPath mode = screen + RecordPath{{K::DeviceMode, d}};
                 const auto& templates = modes[size_t(d)].templetes;
