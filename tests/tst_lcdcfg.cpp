@@ -295,6 +295,8 @@ private Q_SLOTS:
         for (const QString& problem : expected)
             QVERIFY2(reported.contains(problem), qPrintable(problem + " not in\n" + reported.join('\n')));
         QVERIFY2(!expected.isEmpty() || reported.isEmpty(), qPrintable(reported.join('\n')));
+        QVERIFY2(!QString(run.out).remove(config).contains(QDir::tempPath()),
+                 qPrintable(run.out)); // no scaffold
         QCOMPARE(run.code, code);
         if (code == 0 && !expected.isEmpty()) // warnings only: --strict fails
             QCOMPARE(lcdcfg({"check", "--strict", config}).code, 1);
