@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -418,6 +419,47 @@ void reportParsed(const QString& path, bool ok, const QString& error, int line, 
     o->documentParsed(read);
 }
 
+// After a failed parse, the element left open, when that is why the parse
+// failed: the parse stopped at an end tag that closes an element further out
+// (the element opened inside that one is left open), or at the end of the
+// file (the innermost element is). Costs a second read, with an observer only.
+void reportUnclosed(const QByteArray& data, const QString& error) {
+    LoadObserver* o = observe::current();
+    if (Q_LIKELY(!o)) return;
+    struct Open {
+        QByteArray name;
+        int line, column;
+    };
+    std::vector<Open> open;
+    QXmlStreamReader reader(data);
+    qint64 before = 0; // where the token the reader stopped at begins, in characters
+    while (!reader.atEnd()) {
+        before = reader.characterOffset();
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::StartElement)
+            open.push_back(
+                {reader.qualifiedName().toUtf8(), int(reader.lineNumber()), int(reader.columnNumber())});
+        else if (token == QXmlStreamReader::EndElement && !open.empty())
+            open.pop_back();
+    }
+    if (!reader.hasError() || open.empty()) return;
+    std::size_t left = open.size() - 1; // at the end of the file: the innermost
+    if (reader.error() != QXmlStreamReader::PrematureEndOfDocumentError) {
+        // the reader may have taken the '<' of the end tag it stopped at
+        QString rest = QString::fromUtf8(data).mid(int(before), 256).trimmed();
+        if (rest.startsWith(QLatin1Char('<'))) rest.remove(0, 1);
+        if (!rest.startsWith(QLatin1Char('/'))) return; // not an end tag: another fault
+        const QByteArray closing = rest.mid(1).section(QLatin1Char('>'), 0, 0).trimmed().toUtf8();
+        std::size_t outer = open.size();
+        while (outer > 0 && open[outer - 1].name != closing)
+            --outer;
+        if (outer == 0 || outer == open.size()) return; // an end tag of nothing open
+        left = outer;
+    }
+    o->diagnostic({DiagnosticKind::ElementUnclosed, QDomElement(), open[left].name.constData(), error, false,
+                   open[left].line, open[left].column, QString()});
+}
+
 } // namespace
 
 bool parseDocumentData(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error) {
@@ -510,6 +552,7 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
         break;
     }
     reportParsed(path, ok, error, line, column, doc, failure);
+    if (!ok && read == ReadResult::Ok) reportUnclosed(data, error);
     return ok;
 }
 

@@ -137,6 +137,9 @@ enum class RecordKind : quint8 {
     MenuItem, // a node of the menu tree: the top node index 0, below it index among its parent's children
 
     Feature, // a feature file's "Device", below Model, and its lists below it; index 0 (the model keeps one)
+    // An option of an enumerated setting (its element's parent holds the
+    // setting); index among the setting's options.
+    Option,
 };
 
 struct RecordRead {
@@ -158,16 +161,22 @@ enum class DiagnosticKind : quint8 {
     VersionMismatch, // the root's "version" is not "1.0"
     ElementMissing,  // a required child `name` of `element` is absent
     FileRejected,    // a file's reader rejected it; the text is its reason
-    FileMissing,     // an option file the component reads is not there
+    FileMissing,     // an option file the component reads is not there; `name` the path looked for
+    // Told after a ParseFailed, when the parse stopped at an element left
+    // open: `name` the element, `line` and `column` where it was opened; the
+    // text is the parse error's.
+    ElementUnclosed,
 };
 
 struct LoadDiagnostic {
     DiagnosticKind kind = DiagnosticKind::ParseFailed;
-    QDomElement element;        // where: a missing element's parent, a rejected root
-    const char* name = nullptr; // the element looked for (ElementMissing)
-    QString text;               // the library's text, as left in the error or logged
-    bool logged = false;        // the text was also written to the message log
-    int line = 0;               // ParseFailed: where the parser stopped
+    QDomElement element; // where: a missing element's parent, a rejected root
+    // The element looked for (ElementMissing) or left open (ElementUnclosed),
+    // the file looked for (FileMissing, UTF-8); valid during the call.
+    const char* name = nullptr;
+    QString text;        // the library's text, as left in the error or logged
+    bool logged = false; // the text was also written to the message log
+    int line = 0;        // ParseFailed: where the parser stopped; ElementUnclosed: where it opened
     int column = 0;
     QString logLine; // when logged: the line as written to the log, when it is not `text`
 };

@@ -275,11 +275,13 @@ template <class R> void readFields(const QDomElement& e, Attrs attrs, R& r) {
 }
 
 // Appends the "Value" attribute of each listed child (absent gives 0) to
-// `values`, in file order.
+// `values`, in file order, each child an Option record while it is read.
 template <class Values> void appendValues(const QDomElement& e, ListFrom list, Values& values) {
     if (list == ListFrom::None) return;
-    forEachChild(e, list == ListFrom::EnumFirst ? "Enum" : nullptr,
-                 [&](const QDomElement& item) { values.push_back({intAttr(item, "Value")}); });
+    forEachChild(e, list == ListFrom::EnumFirst ? "Enum" : nullptr, [&](const QDomElement& item) {
+        const observe::Record r(RecordKind::Option, values.size(), item);
+        values.push_back({intAttr(item, "Value")});
+    });
 }
 } // namespace detail
 

@@ -75,7 +75,7 @@ void initTable(HDRConfig& config, const char* fileName, const char* missingText,
     if (!QFileInfo(path).isFile()) {
         log.warning().noquote() << missingText << path;
         observe::diagnose(DiagnosticKind::FileMissing, QLatin1String(missingText) + QLatin1Char(' ') + path,
-                          {}, nullptr, true);
+                          {}, path.toUtf8().constData(), true);
         return;
     }
     QString error;

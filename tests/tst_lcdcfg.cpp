@@ -260,6 +260,17 @@ private Q_SLOTS:
         row("grouping after the first cross-card device mode", cross,
             "</DeviceMode>\n        <DeviceMode Value=\"2\">",
             "</DeviceMode><Offset/>\n        <DeviceMode Value=\"2\">", {cross + ":16:element-read-as"}, 1);
+        row("element after the first section of a card", "subcard/2101_hdmi20_4in.xml",
+            "<Section Code=\"2\"/>", "<Section Code=\"2\"/><Note Code=\"9\"/>",
+            {"subcard/2101_hdmi20_4in.xml:161:element-read-as"}, 1);
+        row("grouping after the first device mode", mosaic,
+            "</DeviceMode>\n                    <!-- device mode 2",
+            "</DeviceMode><Templetes Value=\"2\"/>\n                    <!-- device mode 2",
+            {mosaic + ":115:element-read-as"}, 1);
+        row("setting value none of its options", "device/29974/29974_feature.xml",
+            "DataType=\"0\" Value=\"0\">\n          <Enum Value=\"0\"/> <!-- free run -->",
+            "DataType=\"0\" Value=\"7\">\n          <Enum Value=\"0\"/> <!-- free run -->",
+            {"device/29974/29974_feature.xml:29:range-value-unlisted"}, 1);
         row("tree named otherwise", "<root>", "", "mytree", {}, 0);
     }
 
@@ -293,6 +304,8 @@ private Q_SLOTS:
         for (const QString& problem : expected)
             QVERIFY2(reported.contains(problem), qPrintable(problem + " not in\n" + reported.join('\n')));
         QVERIFY2(!expected.isEmpty() || reported.isEmpty(), qPrintable(reported.join('\n')));
+        QVERIFY2(!QString(run.out).remove(config).contains(QDir::tempPath()),
+                 qPrintable(run.out)); // no scaffold
         QCOMPARE(run.code, code);
         if (code == 0 && !expected.isEmpty()) // warnings only: --strict fails
             QCOMPARE(lcdcfg({"check", "--strict", config}).code, 1);

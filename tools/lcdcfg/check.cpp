@@ -49,7 +49,7 @@ QString codeOf(DiagnosticKind kind) {
 
 bool isFailure(DiagnosticKind kind) {
     return kind != DiagnosticKind::ElementMissing && kind != DiagnosticKind::FileRejected &&
-           kind != DiagnosticKind::FileMissing;
+           kind != DiagnosticKind::FileMissing && kind != DiagnosticKind::ElementUnclosed;
 }
 
 // What the library told while `load` ran: the documents that failed, every
@@ -73,8 +73,9 @@ void addLoadProblems(const PartLoad& load, const FileOf& fileOf, const QString& 
         const Diagnostic* cause = &d;
         for (int j = i; j >= 0 && cause->kind == DiagnosticKind::FileRejected; --j)
             if (events[j].document == d.document && events[j].text == d.text) cause = &events[j];
-        const QString text =
-            cause->missing.isEmpty() ? d.text : QStringLiteral("%1 (missing %2)").arg(d.text, cause->missing);
+        const QString text = cause->missing.isEmpty()
+                                 ? shownText(d, fileOf)
+                                 : QStringLiteral("%1 (missing %2)").arg(d.text, cause->missing);
         problems.add({file, cause->line, cause->column, severity, codeOf(cause->kind), text});
     };
     for (int i = 0; i < events.size(); ++i)

@@ -11,6 +11,7 @@ namespace lcdcfg {
 
 // rules_values.cpp: ranges and field widths, duplicates, names
 void ranges(RuleRun& run); // range-inverted, range-value-outside, range-size-empty
+void optionsUnlisted(RuleRun& run);
 void fieldOverflow(RuleRun& run);
 void slotDuplicate(RuleRun& run);
 void screenTypeDuplicate(RuleRun& run);

@@ -466,6 +466,7 @@ const Rule kRules[] = {
     {"printkey-position-unknown", Severity::Error, printkeyPositionUnknown},
     {"layer-type-unknown", Severity::Error, layerTypeUnknown},
     {"association-unknown", Severity::Error, associationUnknown},
+    {"range-value-unlisted", Severity::Error, optionsUnlisted},
 };
 
 } // namespace

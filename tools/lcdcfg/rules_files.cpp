@@ -5,7 +5,6 @@
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
 
@@ -220,47 +219,21 @@ void entityUnknown(RuleRun& run) {
 
 // ---- unclosed elements ------------------------------------------------------
 
-// A parse that stopped at an end tag that closes an element further out: the
-// element opened inside it and left open is named, where it was opened.
+// A parse error the library traced to an element left open: that element,
+// where it was opened.
 void elementUnclosed(RuleRun& run) {
-    static const QRegularExpression endTag(QStringLiteral("^\\s*<?/\\s*([^\\s>]+)"));
-    for (const DocumentFailure& failure : run.trace.failures()) {
-        if (failure.rejected) continue;
-        const QByteArray bytes = bytesOf(failure.document);
-        QXmlStreamReader reader(bytes);
-        struct Open {
-            QString name;
-            int line, column;
-        };
-        QVector<Open> open;
-        qint64 before = 0;
-        while (!reader.atEnd()) {
-            before = reader.characterOffset();
-            const auto token = reader.readNext();
-            if (token == QXmlStreamReader::StartElement)
-                open.push_back(
-                    {reader.name().toString(), int(reader.lineNumber()), int(reader.columnNumber())});
-            else if (token == QXmlStreamReader::EndElement && !open.isEmpty())
-                open.removeLast();
+    for (const PartLoad& load : run.tree.loads())
+        for (int i = 1; i < load.diagnostics.size(); ++i) {
+            const Diagnostic& d = load.diagnostics[i];
+            const Diagnostic& parse = load.diagnostics[i - 1]; // the failure it explains
+            if (d.kind != DiagnosticKind::ElementUnclosed || parse.kind != DiagnosticKind::ParseFailed)
+                continue;
+            Site at{d.document, QString(), d.line, d.column, {}};
+            run.report(&at, QString(),
+                       QStringLiteral("<%1> opened here is not closed: the parser stopped at line %2")
+                           .arg(d.name)
+                           .arg(parse.line));
         }
-        if (!reader.hasError() || open.isEmpty()) continue;
-        const QString rest = QString::fromUtf8(bytes).mid(int(before), 200);
-        const QString closing = endTag.match(rest).captured(1);
-        int outer = int(open.size()) - 1; // at the end of the file: the innermost still open
-        if (!closing.isEmpty()) {
-            while (outer >= 0 && open[outer].name != closing)
-                --outer;
-            if (outer < 0 || outer == open.size() - 1) continue; // a stray end tag, not an open element
-            ++outer;
-        } else if (reader.error() != QXmlStreamReader::PrematureEndOfDocumentError) {
-            continue;
-        }
-        Site at{failure.document, QString(), open[outer].line, open[outer].column, {}};
-        run.report(&at, QString(),
-                   QStringLiteral("<%1> opened here is not closed: the parser stopped at line %2")
-                       .arg(open[outer].name)
-                       .arg(failure.line));
-    }
 }
 
 } // namespace lcdcfg

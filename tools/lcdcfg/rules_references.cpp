@@ -24,13 +24,67 @@ void readAs(RuleRun& run, const RecordPath& list, K kind, int count, const QStri
         if (site && site->tag != first->tag)
             run.report(
                 site, QString(),
-                QStringLiteral("<%1> follows the first <%2> and is read as %3 %4%5: move it before the first")
+                QStringLiteral(
+                    "<%1> follows the first <%2> and is read as %3 %4%5: nothing but <%2> may follow it")
                     .arg(site->tag, first->tag, what)
                     .arg(i + 1)
                     .arg(key.isEmpty() ? QString()
                                        : QStringLiteral(" (%1 %2)").arg(key, site->values.value(key))));
     }
 }
+
+// A list a walk reads, and the lists below each of its items; `what` null
+// for a list read by name (only its lists below are judged). `nested`: each
+// item holds a list of the same kind (the menu tree).
+struct List {
+    K kind;
+    const char* what;
+    const char* key;
+    std::vector<List> below;
+    bool nested = false;
+};
+
+void readAsBelow(RuleRun& run, const RecordPath& above, const List& list) {
+    const int count = recordsOf(run.trace, above, list.kind).size();
+    if (list.what) readAs(run, above, list.kind, count, QLatin1String(list.what), QLatin1String(list.key));
+    for (int i = 0; i < count; ++i) {
+        const RecordPath at = above + RecordPath{{list.kind, i}};
+        for (const List& below : list.below)
+            readAsBelow(run, at, below);
+        if (list.nested) readAsBelow(run, at, list);
+    }
+}
+
+// The card file's lists, the interface files' and the menu tree.
+const List kCardLists[] = {
+    {K::CardAssociation, "card association", "ModelId", {}},
+    {K::ConnectorMode,
+     nullptr,
+     "",
+     {{K::ModeCapacity, "capacity", "Value", {{K::CapacityConnector, "connector", "Position", {}}}}}},
+    {K::ConnectorGroup, "connector group", "Value", {{K::Connector, "connector", "Position", {}}}},
+    {K::CapacityGroup,
+     "capacity group",
+     "Value",
+     {{K::CapacityMode, "device mode", "Value", {{K::ModeConnector, "connector", "Position", {}}}}}},
+    {K::CardSection, "section", "Code", {}},
+    {K::CopyCapacity,
+     "copy capacity",
+     "Value",
+     {{K::CopyMode,
+       "device mode",
+       "Value",
+       {{K::CopyGroup, "group", "Value", {{K::CopyConnector, "connector", "Position", {}}}}}}}},
+};
+const List kInterfaceLists[] = {
+    {K::PrintKeyDevice,
+     "print-key device",
+     "ModelId",
+     {{K::PrintKeyCard, "print-key card", "ModelId", {{K::PrintKey, "print key", "Id", {}}}}}},
+    {K::KeyCheck, "key-check entry", "Value", {}},
+    {K::MenuFunction, "function item", "Key", {}},
+    {K::MenuItem, nullptr, "", {{K::MenuItem, "menu entry", "Key", {}, true}}},
+};
 
 } // namespace
 
@@ -178,7 +232,33 @@ void associationUnknown(RuleRun& run) {
     }
 }
 
+namespace {
+
+// The device modes of a screen are every element of its list; one without
+// what a mode needs is dropped and leaves no place in the list, so readAs
+// does not see it: it is found among every device mode the walk started.
+void incompleteModes(RuleRun& run, const RecordPath& screen, int count) {
+    const Site* first = run.trace.record(screen + RecordPath{{K::DeviceMode, 0}});
+    QSet<const Site*> kept;
+    for (int d = 0; d < count; ++d)
+        kept.insert(run.trace.record(screen + RecordPath{{K::DeviceMode, d}}));
+    for (const Site* mode : first ? run.trace.records(K::DeviceMode) : QVector<const Site*>())
+        if (mode->document == first->document && mode->tag != first->tag && !kept.contains(mode))
+            run.report(mode, QString(),
+                       QStringLiteral("<%1> follows the first <%2> and is read as a device mode, which the "
+                                      "host drops as incomplete: nothing but <%2> may follow it")
+                           .arg(mode->tag, first->tag));
+}
+
+} // namespace
+
 void elementReadAs(RuleRun& run) {
+    const int cards = recordsOf(run.trace, {}, K::Card).size();
+    for (int c = 0; c < cards; ++c)
+        for (const List& list : kCardLists)
+            readAsBelow(run, {{K::Card, c}}, list);
+    for (const List& list : kInterfaceLists)
+        readAsBelow(run, {}, list);
     if (!run.tree.devices()) return;
     int m = 0;
     for (const Devicecfg::s_Device& device : run.tree.devices()->DeviceConfigs()) {
@@ -198,6 +278,7 @@ void elementReadAs(RuleRun& run) {
             const auto& modes = device.screens[s].deviceModes;
             readAs(run, screen, K::DeviceMode, int(modes.size()), QStringLiteral("device mode"),
                    QStringLiteral("Value"));
+            incompleteModes(run, screen, int(modes.size()));
             for (int d = 0; d < int(modes.size()); ++d) {
                 const RecordPath mode = screen + RecordPath{{K::DeviceMode, d}};
                 const auto& templates = modes[size_t(d)].templetes;

@@ -33,10 +33,16 @@ public:
     QString aliasTo;
     QString document;
 
+    // A path the library gave, as the tree names it.
+    QString aliased(const QString& path) const {
+        const QString absolute = QFileInfo(path).absoluteFilePath();
+        return !aliasFrom.isEmpty() && absolute.startsWith(aliasFrom)
+                   ? aliasTo + absolute.mid(aliasFrom.size())
+                   : absolute;
+    }
+
     void documentStarted(const QString& path) override {
-        document = QFileInfo(path).absoluteFilePath();
-        if (!aliasFrom.isEmpty() && document.startsWith(aliasFrom))
-            document = aliasTo + document.mid(aliasFrom.size());
+        document = aliased(path);
         load->documents << document;
         if (next) next->documentStarted(document);
     }
@@ -70,13 +76,19 @@ public:
         if (next) next->recordEnded(kind);
     }
     void diagnostic(const LoadDiagnostic& d) override {
-        Diagnostic mine{d.kind, d.text,   d.logged,  document,
-                        d.line, d.column, QString(), d.logLine.isEmpty() ? d.text : d.logLine};
+        Diagnostic mine{d.kind,   d.text,   d.logged,  document,
+                        d.line,   d.column, QString(), d.logLine.isEmpty() ? d.text : d.logLine,
+                        QString()};
         if (!d.element.isNull()) {
             mine.line = d.element.lineNumber();
             mine.column = d.element.columnNumber();
         }
-        if (d.name) mine.missing = elementPath(d.element) + QLatin1Char('/') + QLatin1String(d.name);
+        if (d.kind == DiagnosticKind::ElementUnclosed)
+            mine.name = QString::fromUtf8(d.name);
+        else if (d.kind == DiagnosticKind::FileMissing && d.name)
+            mine.name = aliased(QString::fromUtf8(d.name));
+        else if (d.name)
+            mine.missing = elementPath(d.element) + QLatin1Char('/') + QLatin1String(d.name);
         load->diagnostics << mine;
         if (next) next->diagnostic(d);
     }
@@ -85,6 +97,14 @@ public:
 Tracker* g_tracker = nullptr;
 
 } // namespace
+
+QString shownText(const Diagnostic& d, const std::function<QString(const QString&)>& relative) {
+    // the library looked through a scaffold: its text names a temporary path
+    if (d.kind == DiagnosticKind::FileMissing && !d.name.isEmpty())
+        return QStringLiteral("no such file: %1 (the host goes on without its options)")
+            .arg(relative(d.name));
+    return d.text;
+}
 
 const char* partName(Part part) {
     return infoOf(part).name;
@@ -121,7 +141,8 @@ Tree::Stop Tree::stop(Part part) const {
     if (load->ok && load->error.isEmpty()) return {};
     for (const Diagnostic& d : load->diagnostics) // the first file that failed, else the loader's text
         if (d.kind != DiagnosticKind::ElementMissing || d.text == load->error)
-            return {relative(d.document), d.line, d.text};
+            return {relative(d.document), d.line,
+                    shownText(d, [this](const QString& p) { return relative(p); })};
     return {relative(load->documents.isEmpty() ? load->inputs.first() : load->documents.last()), -1,
             load->error};
 }

@@ -40,7 +40,14 @@ struct Diagnostic {
     int column = 0;
     QString missing; // ElementMissing: the path of the missing element, "Vrn/Device"
     QString logLine; // logged: the line as the library wrote it
+    // ElementUnclosed: the element left open (line and column: where it was
+    // opened); FileMissing: the file looked for, absolute, as the tree names it.
+    QString name;
 };
+
+// The text every verb shows for a diagnostic: the library's, except for a
+// missing option file, named as the tree names it (`relative`: to the root).
+QString shownText(const Diagnostic& d, const std::function<QString(const QString&)>& relative);
 
 struct PartLoad {
     Part part = Part::Devices;
