@@ -136,6 +136,7 @@ const char* scanTag(const char* p, const char* end, int most, Tag* tag) {
             ++p;
             continue;
         }
+        // A name's characters are passed in one run.
         if (!token) token = p;
         while (++p < end && !kNameEnds(*p)) {
         }
