@@ -87,9 +87,16 @@ const char* find(const char* from, const char* end, const char* what) {
     return end;
 }
 
-bool blank(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
+// The characters that end a name inside a start tag.
+struct NameEnds {
+    bool at[256] = {};
+    constexpr NameEnds() {
+        for (const char* c = "\"'>=/ \t\n\r"; *c; ++c)
+            at[static_cast<unsigned char>(*c)] = true;
+    }
+    bool operator()(char c) const { return at[static_cast<unsigned char>(c)]; }
+};
+constexpr NameEnds kNameEnds;
 
 // What one start tag holds.
 struct Tag {
@@ -105,7 +112,6 @@ const char* scanTag(const char* p, const char* end, int most, Tag* tag) {
     const char* token = nullptr; // the name being read
     const char* name = nullptr;  // the last complete name
     size_t nameLength = 0;
-    char previous = 0;
     while (p < end) {
         const char c = *p;
         if (c == '"' || c == '\'') {
@@ -116,24 +122,25 @@ const char* scanTag(const char* p, const char* end, int most, Tag* tag) {
             const char* const close = static_cast<const char*>(std::memchr(p + 1, c, size_t(end - p - 1)));
             if (!close) return end;
             p = close + 1;
-            previous = c;
             continue;
         }
         if (c == '>') {
-            tag->selfClosing = previous == '/';
+            tag->selfClosing = p[-1] == '/';
             return p + 1;
         }
-        if (blank(c) || c == '=' || c == '/') {
+        if (kNameEnds(c)) {
             if (token) {
                 name = token;
                 nameLength = size_t(p - token);
                 token = nullptr;
             }
-        } else if (!token) {
-            token = p;
+            ++p;
+            continue;
         }
-        previous = c;
-        ++p;
+        // A name's characters are passed in one run.
+        if (!token) token = p;
+        while (++p < end && !kNameEnds(*p)) {
+        }
     }
     return end;
 }
@@ -375,6 +382,45 @@ bool checkLimits(const QByteArray& data, const DocumentLimits& limits, LimitViol
 
 namespace {
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+// The text of `data` as Qt 5's parser reads it, decoded here in one pass
+// rather than by the parser a kilobyte at a time; null where the two could
+// differ, and the parser is handed the bytes: a byte-order mark or the zero
+// bytes of UTF-16 and UTF-32, an encoding other than UTF-8 named before the
+// first '>' (where the parser looks for one), an invalid or cut UTF-8
+// sequence (the parser replaces it piece by piece) and U+FEFF anywhere (the
+// parser drops one that begins a piece).
+QString utf8Text(const QByteArray& data) {
+    const auto* b = reinterpret_cast<const unsigned char*>(data.constData());
+    const char* const end = data.constData() + data.size();
+    const char bom[] = "\xEF\xBB\xBF";
+    if (data.size() < 2 || b[0] == 0 || b[1] == 0 || (b[0] == 0xFE && b[1] == 0xFF) ||
+        (b[0] == 0xFF && b[1] == 0xFE) || find(data.constData(), end, bom) != end || data.endsWith(bom))
+        return QString();
+    if (data.startsWith("<?xml")) {
+        const int close = data.indexOf('>');
+        if (close >= 0 && QByteArray::fromRawData(data.constData(), close).contains("encoding")) {
+            bool quoted = false;
+            const QByteArray name = declaredEncoding(data, &quoted);
+            if (name != "utf-8" && name != "utf8") return QString();
+        }
+    }
+    static QTextCodec* const utf8 = QTextCodec::codecForMib(106);
+    QTextCodec::ConverterState state;
+    const QString text = utf8->toUnicode(data.constData(), data.size(), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0 ? text : QString();
+}
+#endif
+
+// The DOM of `data`, namespace processing on.
+bool build(const QByteArray& data, QDomDocument& doc, QString* message, int* line, int* column) {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    const QString text = utf8Text(data);
+    if (!text.isNull()) return doc.setContent(text, true, message, line, column);
+#endif
+    return doc.setContent(data, true, message, line, column);
+}
+
 // Parses `data`; on failure `error` holds the family's parse text and
 // `line`/`column` where the parser (or the scan before it) stopped.
 bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QString& error, int& line,
@@ -386,7 +432,7 @@ bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QStr
             line = where.line;
             column = where.column;
             message = where.reason;
-        } else if (doc.setContent(data, true, &message, &line, &column)) {
+        } else if (build(data, doc, &message, &line, &column)) {
             return true;
         }
     } catch (const std::bad_alloc&) {
