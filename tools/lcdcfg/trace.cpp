@@ -70,6 +70,7 @@ void Trace::documentStarted(const QString& path) {
     m_documentNumbers.insert(path, m_documentNumber);
     if (m_folderSite >= 0) m_sites[m_folderSite].document = QFileInfo(path).absolutePath();
     m_folderSite = -1;
+    if (!m_keepDocuments && !m_documents.isEmpty()) m_documents.last().document = QDomDocument();
     DocumentTrace d;
     d.path = path;
     m_documents.push_back(d);

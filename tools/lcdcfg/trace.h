@@ -145,6 +145,11 @@ struct ConnectorNames {
 
 class Trace : public LCD::ConfigModel::LoadObserver {
 public:
+    // A trace for checks only lets each document go once it is read (its
+    // DocumentTrace::document is null): what the rules ask for stays.
+    enum Documents { KeepDocuments, DropDocuments };
+    explicit Trace(Documents documents = KeepDocuments) : m_keepDocuments(documents == KeepDocuments) {}
+
     const QVector<DocumentTrace>& documents() const { return m_documents; }
     const DocumentTrace* document(const QString& path) const;
 
@@ -219,6 +224,7 @@ private:
         return {m_documentNumber, e.lineNumber(), e.columnNumber()};
     }
 
+    bool m_keepDocuments = true;
     QVector<DocumentTrace> m_documents;
     QString m_path; // the current document
     int m_documentNumber = -1;
