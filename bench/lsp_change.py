@@ -10,7 +10,7 @@ file's text (a trailing blank, alternately present or not) without saving.
 Prints, per file, the median and the range of the server's user+system CPU
 time in milliseconds.
 """
-import json, os, statistics, subprocess, sys
+import json, os, queue, statistics, subprocess, sys, threading
 
 DEFAULT = ["device/29974/29974_slot.xml", "device/29974/29974_screen_splice.xml",
            "subcard/c0_2101_hdmi20_4in.xml", "connector/c0_connector_dvi.xml",
@@ -42,18 +42,31 @@ def main():
         server.stdin.flush()
         return message.get("id")
 
-    def wait(id):
+    replies = queue.Queue()
+
+    def read():  # always reading, so that the server never blocks on a full pipe
         while True:
             length = 0
             while True:
                 line = server.stdout.readline()
                 if not line:
-                    sys.exit("the server ended")
+                    replies.put(None)
+                    return
                 if line in (b"\r\n", b"\n"):
                     break
                 if line.lower().startswith(b"content-length:"):
                     length = int(line.split(b":")[1])
             message = json.loads(server.stdout.read(length))
+            if "id" in message:
+                replies.put(message)
+
+    threading.Thread(target=read, daemon=True).start()
+
+    def wait(id):
+        while True:
+            message = replies.get()
+            if message is None:
+                sys.exit("the server ended")
             if message.get("id") == id:
                 return message
 

@@ -17,6 +17,12 @@ const AttributeTrace* ElementTrace::read(const QString& name) const {
     return nullptr;
 }
 
+const AttributeTrace* ElementTrace::read(QLatin1String name) const {
+    for (const AttributeTrace& a : reads)
+        if (a.name == name) return &a;
+    return nullptr;
+}
+
 const ElementTrace* DocumentTrace::at(const QDomElement& e) const {
     const auto it = elements.constFind(positionOf(e));
     return it == elements.constEnd() ? nullptr : &*it;

@@ -50,6 +50,7 @@ struct ElementTrace {
     QStringList missing; // names looked up below it that were not there
 
     const AttributeTrace* read(const QString& name) const;
+    const AttributeTrace* read(QLatin1String name) const;
 };
 
 using Position = QPair<int, int>; // line, column of an element
