@@ -147,7 +147,9 @@ struct ConnectorNames {
 class Trace : public LCD::ConfigModel::LoadObserver {
 public:
     // A trace for checks only lets each document go once it is read (its
-    // DocumentTrace::document is null): what the rules ask for stays.
+    // DocumentTrace::document is null): what the rules ask for stays. A
+    // document with options (or other records after the menu's) is kept:
+    // a rule looks at the elements around them again.
     enum Documents { KeepDocuments, DropDocuments };
     explicit Trace(Documents documents = KeepDocuments) : m_keepDocuments(documents == KeepDocuments) {}
 
@@ -226,6 +228,7 @@ private:
     }
 
     bool m_keepDocuments = true;
+    bool m_keepCurrent = false; // the current document is kept all the same
     QVector<DocumentTrace> m_documents;
     QString m_path; // the current document
     int m_documentNumber = -1;
