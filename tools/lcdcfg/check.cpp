@@ -145,7 +145,7 @@ QSet<int> loadFiles(const Tree& tree, Part part, const QStringList& files, Probl
         names.insert(QFileInfo(link).absoluteFilePath(), files[i]);
     }
     Tree alone(tree.host(), scratch.path());
-    Trace trace;
+    Trace trace(Trace::DropDocuments);
     alone.load({part}, &trace);
     const PartLoad& load = *alone.loadOf(part);
     addLoadProblems(
@@ -235,7 +235,7 @@ int runCheck(const QStringList& args) {
     Session session(cl, Session::RootPositional, Session::Json);
     int code = kClean;
     if (!session.parse(args, &code)) return code;
-    Trace trace;
+    Trace trace(Trace::DropDocuments);
     const std::unique_ptr<Tree> tree = session.load(&trace);
     if (!tree) return kUsage;
     Problems problems;

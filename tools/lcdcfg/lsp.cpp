@@ -162,20 +162,35 @@ private:
         m_checked = true;
         if (m_verify) verify();
         m_index.update(*m_workspace);
-        QSet<QString> files;
+        QHash<QString, QString> problems; // file -> what its diagnostics are made of
         for (const Problem& p : m_checks->problems())
-            if (!p.file.isEmpty()) files.insert(p.file);
-        const QSet<QString> published = files;
-        files.unite(m_published);
+            if (!p.file.isEmpty())
+                problems[p.file] +=
+                    QStringLiteral("%1 %2 %3 %4\n").arg(p.line).arg(int(p.severity)).arg(p.code, p.text);
+        QSet<QString> files = m_published;
+        for (auto it = problems.constBegin(); it != problems.constEnd(); ++it)
+            files.insert(it.key());
         QStringList sorted = files.values();
         sorted.sort();
+        QHash<QString, Published> kept;
         for (const QString& file : sorted) {
             const QString uri = m_workspace->uriOf(file);
+            Published& now = kept[file];
+            now.problems = problems.value(file);
+            const auto before = m_diagnostics.constFind(file);
+            if (before != m_diagnostics.constEnd() && before->problems == now.problems &&
+                !m_workspace->changed().contains(file) && !before->ids.intersects(m_index.touched()))
+                now = *before; // its text, its problems and the ids they name are as they were
+            else
+                now.list =
+                    diagnostics(*m_checks, *m_workspace, m_index, file, m_workspace->text(uri), &now.ids);
             m_connection.notify(QStringLiteral("textDocument/publishDiagnostics"),
-                                {{QStringLiteral("uri"), uri},
-                                 {QStringLiteral("diagnostics"), diagnostics(*m_checks, *m_workspace, m_index,
-                                                                             file, m_workspace->text(uri))}});
+                                {{QStringLiteral("uri"), uri}, {QStringLiteral("diagnostics"), now.list}});
         }
+        m_diagnostics = kept;
+        QSet<QString> published;
+        for (auto it = problems.constBegin(); it != problems.constEnd(); ++it)
+            published.insert(it.key());
         m_published = published;
         m_checks->release();
     }
@@ -205,6 +220,13 @@ private:
     std::unique_ptr<TreeChecks> m_checks;
     IdIndex m_index;
     QSet<QString> m_published;
+    // What was last published for a file: from which problems, naming which ids.
+    struct Published {
+        QString problems;
+        QSet<QString> ids;
+        QJsonArray list;
+    };
+    QHash<QString, Published> m_diagnostics;
     bool m_dirty = false;
     bool m_checked = false;
     bool m_shutdown = false;

@@ -7,6 +7,8 @@
 #include <QtCore/QRegularExpression>
 #include <QtCore/QXmlStreamReader>
 
+#include <algorithm>
+
 #include "tools/lcdcfg/lsp_checks.h"
 #include "tools/lcdcfg/lsp_documents.h"
 
@@ -174,6 +176,11 @@ const ScannedElement* ScannedText::onLine(int line) const {
 
 void IdIndex::update(const Workspace& workspace) {
     QHash<QString, File> files;
+    m_touched.clear();
+    const auto touch = [&](const QVector<IdSite>& sites) {
+        for (const IdSite& s : sites)
+            m_touched.insert(s.key);
+    };
     for (const QString& rel : workspace.files()) {
         const QString kind = TreeChecks::kindOf(rel);
         bool linked = false;
@@ -198,8 +205,19 @@ void IdIndex::update(const Workspace& workspace) {
                 if (const IdLink* l = linkOf(kind, e.tag, a.name))
                     file.sites.push_back({rel, a.start, a.end, scanned.range(a.valueStart, a.end - 1),
                                           keyPrefix(*l, rel) + normalised(a.value), l->defines});
+        const QVector<IdSite> before = m_files.value(rel).sites;
+        if (!std::equal(before.begin(), before.end(), file.sites.begin(), file.sites.end(),
+                        [](const IdSite& a, const IdSite& b) {
+                            return a.start == b.start && a.end == b.end && a.key == b.key &&
+                                   a.defines == b.defines && a.range == b.range;
+                        })) {
+            touch(before);
+            touch(file.sites);
+        }
         files.insert(rel, file);
     }
+    for (auto it = m_files.constBegin(); it != m_files.constEnd(); ++it)
+        if (!files.contains(it.key())) touch(it->sites); // a file gone
     m_files = files;
 }
 
@@ -352,7 +370,7 @@ QJsonArray references(const Workspace& workspace, const IdIndex& index, const QS
 }
 
 QJsonArray diagnostics(const TreeChecks& checks, const Workspace& workspace, const IdIndex& index,
-                       const QString& file, const QString& text) {
+                       const QString& file, const QString& text, QSet<QString>* ids) {
     const ScannedText scanned(text);
     QJsonArray list;
     for (const Problem& p : checks.problems()) {
@@ -368,6 +386,7 @@ QJsonArray diagnostics(const TreeChecks& checks, const Workspace& workspace, con
             // the definition a reference names, or another definition of the same id
             for (const ScannedAttribute& a : e->attributes) {
                 const IdSite* site = index.at(file, a.valueStart);
+                if (site && ids) ids->insert(site->key);
                 for (const IdSite* other : site ? index.sites(site->key) : QVector<const IdSite*>())
                     if (other->defines && other->file != file)
                         related.append(

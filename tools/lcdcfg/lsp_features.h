@@ -8,6 +8,7 @@
 #include <QtCore/QHash>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
+#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
@@ -65,6 +66,8 @@ class IdIndex {
 public:
     // Scans again the files the workspace's last sync changed.
     void update(const Workspace& workspace);
+    // The ids whose sites the last update moved, added or removed.
+    const QSet<QString>& touched() const { return m_touched; }
     // The site at `offset` of `file`, or null.
     const IdSite* at(const QString& file, int offset) const;
     QVector<const IdSite*> sites(const QString& key) const;
@@ -79,6 +82,7 @@ private:
         QVector<IdSite> sites;
     };
     QHash<QString, File> m_files;
+    QSet<QString> m_touched;
 };
 
 QJsonValue hover(const TreeChecks& checks, const IdIndex& index, const QString& file, const QString& text,
@@ -91,8 +95,9 @@ QJsonArray definition(const Workspace& workspace, const IdIndex& index, const QS
 QJsonArray references(const Workspace& workspace, const IdIndex& index, const QString& file,
                       const QString& text, int line, int character, bool withDefinition);
 // Diagnostics of `file` from the checks, each problem with the definition of
-// the id its element names in another file as related information.
+// the id its element names in another file as related information. The ids
+// whose sites were asked for are added to `ids` when given.
 QJsonArray diagnostics(const TreeChecks& checks, const Workspace& workspace, const IdIndex& index,
-                       const QString& file, const QString& text);
+                       const QString& file, const QString& text, QSet<QString>* ids = nullptr);
 
 } // namespace lcdcfg

@@ -196,7 +196,9 @@ void entityUnknown(RuleRun& run) {
                                    QStringLiteral("quot"), QStringLiteral("apos")};
     for (const DocumentTrace& document : run.trace.documents()) {
         if (!document.ok) continue;
-        const QString text = QString::fromUtf8(bytesOf(document.path));
+        const QByteArray bytes = bytesOf(document.path);
+        if (!bytes.contains('&')) continue; // no reference at all
+        const QString text = QString::fromUtf8(bytes);
         for (auto m = entity.globalMatch(text); m.hasNext();) {
             const QRegularExpressionMatch hit = m.next();
             if (known.contains(hit.captured(1))) continue;

@@ -17,6 +17,12 @@ const AttributeTrace* ElementTrace::read(const QString& name) const {
     return nullptr;
 }
 
+const AttributeTrace* ElementTrace::read(QLatin1String name) const {
+    for (const AttributeTrace& a : reads)
+        if (a.name == name) return &a;
+    return nullptr;
+}
+
 const ElementTrace* DocumentTrace::at(const QDomElement& e) const {
     const auto it = elements.constFind(positionOf(e));
     return it == elements.constEnd() ? nullptr : &*it;
@@ -70,6 +76,9 @@ void Trace::documentStarted(const QString& path) {
     m_documentNumbers.insert(path, m_documentNumber);
     if (m_folderSite >= 0) m_sites[m_folderSite].document = QFileInfo(path).absolutePath();
     m_folderSite = -1;
+    if (!m_keepDocuments && !m_keepCurrent && !m_documents.isEmpty())
+        m_documents.last().document = QDomDocument();
+    m_keepCurrent = false;
     DocumentTrace d;
     d.path = path;
     m_documents.push_back(d);
@@ -162,6 +171,9 @@ void Trace::textRead(const QDomElement& element, ReadKind kind) {
 }
 
 void Trace::recordStarted(const RecordRead& record) {
+    // the options of a setting are judged among their siblings again: a
+    // document with records of the kinds after the menu's keeps its elements
+    m_keepCurrent = m_keepCurrent || int(record.kind) > int(RecordKind::MenuItem);
     m_place << int(record.kind) << record.index << record.key;
     if (record.element.isNull()) { // a model: its folder is that of its first file
         m_folderSite = m_sites.size();

@@ -50,6 +50,7 @@ struct ElementTrace {
     QStringList missing; // names looked up below it that were not there
 
     const AttributeTrace* read(const QString& name) const;
+    const AttributeTrace* read(QLatin1String name) const;
 };
 
 using Position = QPair<int, int>; // line, column of an element
@@ -145,6 +146,13 @@ struct ConnectorNames {
 
 class Trace : public LCD::ConfigModel::LoadObserver {
 public:
+    // A trace for checks only lets each document go once it is read (its
+    // DocumentTrace::document is null): what the rules ask for stays. A
+    // document with options (or other records after the menu's) is kept:
+    // a rule looks at the elements around them again.
+    enum Documents { KeepDocuments, DropDocuments };
+    explicit Trace(Documents documents = KeepDocuments) : m_keepDocuments(documents == KeepDocuments) {}
+
     const QVector<DocumentTrace>& documents() const { return m_documents; }
     const DocumentTrace* document(const QString& path) const;
 
@@ -221,6 +229,8 @@ private:
         return {m_documentNumber, e.lineNumber(), e.columnNumber()};
     }
 
+    bool m_keepDocuments = true;
+    bool m_keepCurrent = false; // the current document is kept all the same
     QVector<DocumentTrace> m_documents;
     QString m_path; // the current document
     int m_documentNumber = -1;

@@ -49,17 +49,25 @@ void addOnce(QStringList& list, const QString& name) {
 
 void Vocabulary::add(const Trace& trace) {
     for (const DocumentTrace& d : trace.documents()) {
-        forEachElement(d.document, [&](const QDomElement& e) {
-            const ElementTrace* t = d.at(e);
-            if (!t) return;
-            const QString path = elementPath(e);
-            if (t->found && e.parentNode().isElement())
-                addOnce(children[elementPath(e.parentNode().toElement())], e.tagName());
-            for (const QString& name : t->missing)
-                addOnce(children[path], name);
-            for (const AttributeTrace& a : t->reads)
-                addOnce(attributes[path], a.name);
-        });
+        // document order, each element's path made from its parent's
+        QVector<QPair<QDomElement, QString>> pending{{d.document.documentElement(), QString()}};
+        while (!pending.isEmpty()) {
+            const QPair<QDomElement, QString> next = pending.takeLast();
+            const QDomElement& e = next.first;
+            const QString& parent = next.second;
+            if (e.isNull()) continue;
+            const QString tag = e.tagName();
+            const QString path = parent.isEmpty() ? tag : parent + QLatin1Char('/') + tag;
+            if (const ElementTrace* t = d.at(e)) {
+                if (t->found && !parent.isEmpty()) addOnce(children[parent], tag);
+                for (const QString& name : t->missing)
+                    addOnce(children[path], name);
+                for (const AttributeTrace& a : t->reads)
+                    addOnce(attributes[path], a.name);
+            }
+            for (QDomElement c = e.lastChildElement(); !c.isNull(); c = c.previousSiblingElement())
+                pending.push_back({c, path});
+        }
     }
 }
 
