@@ -172,8 +172,8 @@ void Trace::textRead(const QDomElement& element, ReadKind kind) {
 
 void Trace::recordStarted(const RecordRead& record) {
     // the options of a setting are judged among their siblings again: a
-    // document with records of the kinds after the menu's keeps its elements
-    m_keepCurrent = m_keepCurrent || int(record.kind) > int(RecordKind::MenuItem);
+    // document with options keeps its elements
+    m_keepCurrent = m_keepCurrent || record.kind == RecordKind::Option;
     m_place << int(record.kind) << record.index << record.key;
     if (record.element.isNull()) { // a model: its folder is that of its first file
         m_folderSite = m_sites.size();
