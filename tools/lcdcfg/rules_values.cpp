@@ -77,30 +77,25 @@ void ranges(RuleRun& run) {
 // An enumerated setting holds one of its options: a Value (or the default
 // stored without one) none of them offers is a setting the host cannot show.
 void optionsUnlisted(RuleRun& run) {
-    QHash<QString, QSet<Position>> options; // per document, the elements read as options
-    for (const Site* option : run.trace.records(K::Option))
-        options[option->document].insert({option->line, option->column});
-    for (const DocumentTrace& d : run.trace.documents()) {
-        const QSet<Position> here = options.take(d.path); // a document read twice is judged once
-        if (here.isEmpty()) continue;
-        forEachElement(d.document, [&](const QDomElement& e) {
-            QStringList offered;
-            for (QDomElement c = e.firstChildElement(); !c.isNull(); c = c.nextSiblingElement())
-                if (here.contains(positionOf(c)))
-                    offered << run.trace.siteAt(d.path, c.lineNumber(), c.columnNumber())
-                                   ->values.value(QStringLiteral("Value"));
-            const Site* at =
-                offered.isEmpty() ? nullptr : run.trace.siteAt(d.path, e.lineNumber(), e.columnNumber());
-            const AttributeTrace* value = readOf(run.trace, at, QStringLiteral("Value"));
-            if (!value || offered.contains(value->stored)) return;
-            run.report(
-                at, QString(),
-                QStringLiteral("%1 is none of the options (%2): the host shows a value it cannot offer")
-                    .arg(value->present
-                             ? QStringLiteral("Value %1").arg(value->stored)
-                             : QStringLiteral("without Value, %1 is stored and").arg(value->stored),
-                         offered.join(QStringLiteral(", "))));
-        });
+    QVector<const Site*> settings;                    // in reading order
+    QHash<const Site*, QVector<const Site*>> offered; // a document read twice offers them once
+    for (const auto& option : run.trace.options()) {
+        QVector<const Site*>& here = offered[option.second];
+        if (here.isEmpty()) settings << option.second;
+        if (!here.contains(option.first)) here << option.first;
+    }
+    for (const Site* at : settings) {
+        QStringList values;
+        for (const Site* option : offered.value(at))
+            values << option->values.value(QStringLiteral("Value"));
+        const AttributeTrace* value = readOf(run.trace, at, QStringLiteral("Value"));
+        if (!value || values.contains(value->stored)) continue;
+        run.report(at, QString(),
+                   QStringLiteral("%1 is none of the options (%2): the host shows a value it cannot offer")
+                       .arg(value->present
+                                ? QStringLiteral("Value %1").arg(value->stored)
+                                : QStringLiteral("without Value, %1 is stored and").arg(value->stored),
+                            values.join(QStringLiteral(", "))));
     }
 }
 

@@ -37,6 +37,13 @@ const AttributeTrace* Trace::readAt(const Site* site, const QString& name) const
     return d && it != d->elements.constEnd() ? it->read(name) : nullptr;
 }
 
+QVector<QPair<const Site*, const Site*>> Trace::options() const {
+    QVector<QPair<const Site*, const Site*>> options;
+    for (const auto& option : m_options)
+        options.push_back({&m_sites[option.first], &m_sites[option.second]});
+    return options;
+}
+
 QVector<const Site*> Trace::records(RecordKind kind) const {
     QVector<const Site*> sites;
     for (const auto& started : m_started)

@@ -68,6 +68,8 @@ void Trace::append(const Trace& other) {
         m_records.insert(it.key(), *it + offset);
     for (const auto& started : other.m_started)
         m_started.push_back({started.first, started.second + offset});
+    for (const auto& option : other.m_options)
+        m_options.push_back({option.first + offset, option.second + offset});
 }
 
 void Trace::documentStarted(const QString& path) {
@@ -76,9 +78,7 @@ void Trace::documentStarted(const QString& path) {
     m_documentNumbers.insert(path, m_documentNumber);
     if (m_folderSite >= 0) m_sites[m_folderSite].document = QFileInfo(path).absolutePath();
     m_folderSite = -1;
-    if (!m_keepDocuments && !m_keepCurrent && !m_documents.isEmpty())
-        m_documents.last().document = QDomDocument();
-    m_keepCurrent = false;
+    if (!m_keepDocuments && !m_documents.isEmpty()) m_documents.last().document = QDomDocument();
     DocumentTrace d;
     d.path = path;
     m_documents.push_back(d);
@@ -171,9 +171,6 @@ void Trace::textRead(const QDomElement& element, ReadKind kind) {
 }
 
 void Trace::recordStarted(const RecordRead& record) {
-    // the options of a setting are judged among their siblings again: a
-    // document with options keeps its elements
-    m_keepCurrent = m_keepCurrent || record.kind == RecordKind::Option;
     m_place << int(record.kind) << record.index << record.key;
     if (record.element.isNull()) { // a model: its folder is that of its first file
         m_folderSite = m_sites.size();
@@ -191,6 +188,9 @@ void Trace::recordStarted(const RecordRead& record) {
         if (m_seenCells.insert(keyOf(record.element)).second)
             m_cells.push_back({m_path, site.line, site.column});
     }
+    if (record.kind == RecordKind::Option) // the setting it is offered for is its parent
+        m_options.push_back(
+            {at, int(&siteOf(record.element.parentNode().toElement()) - m_sites.constData())});
 }
 
 void Trace::recordEnded(RecordKind) {

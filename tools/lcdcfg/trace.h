@@ -180,6 +180,9 @@ public:
     // The element of every record of `kind` the library started, in reading
     // order, kept or not (a rejected card too).
     QVector<const Site*> records(LCD::ConfigModel::RecordKind kind) const;
+    // Every option record's element with the element that holds it (the
+    // setting), in reading order.
+    QVector<QPair<const Site*, const Site*>> options() const;
     // The attribute `name` as read on the element of `site`, or null.
     const AttributeTrace* readAt(const Site* site, const QString& name) const;
 
@@ -230,7 +233,6 @@ private:
     }
 
     bool m_keepDocuments = true;
-    bool m_keepCurrent = false; // the current document is kept all the same
     QVector<DocumentTrace> m_documents;
     QString m_path; // the current document
     int m_documentNumber = -1;
@@ -251,6 +253,7 @@ private:
     QVector<int> m_open;                // their sites (-1 for a model)
     QHash<QVector<int>, int> m_records; // a record's place to its site
     QVector<QPair<LCD::ConfigModel::RecordKind, int>> m_started; // every record read: its kind and site
+    QVector<QPair<int, int>> m_options;                          // every option's site and its setting's
     int m_folderSite = -1;                                       // a model whose folder is not known yet
 };
 
