@@ -147,9 +147,8 @@ struct ConnectorNames {
 class Trace : public LCD::ConfigModel::LoadObserver {
 public:
     // A trace for checks only lets each document go once it is read (its
-    // DocumentTrace::document is null): what the rules ask for stays. A
-    // document with options (or other records after the menu's) is kept:
-    // a rule looks at the elements around them again.
+    // DocumentTrace::document is null): what the rules ask for stays, the
+    // setting of each option included (options()).
     enum Documents { KeepDocuments, DropDocuments };
     explicit Trace(Documents documents = KeepDocuments) : m_keepDocuments(documents == KeepDocuments) {}
 
