@@ -203,16 +203,20 @@ void checkMenuTree(const Tree& tree, Problems& problems) {
 
 } // namespace
 
-void checkTree(Tree& tree, const Trace& trace, Problems& problems) {
+void checkLoads(Tree& tree, RuleRun& run, Problems& problems) {
     for (const PartLoad& load : tree.loads())
         addLoadProblems(
             load, [&](const QString& document) { return tree.relative(document); },
             tree.relative(load.inputs.first()), problems);
-    RuleRun run(tree, trace, problems);
-    run.lostCards = checkEachFile(tree, Part::Cards, trace, problems);
-    run.lostConnectorTypes = checkEachFile(tree, Part::Connectors, trace, problems);
+    run.lostCards = checkEachFile(tree, Part::Cards, run.trace, problems);
+    run.lostConnectorTypes = checkEachFile(tree, Part::Connectors, run.trace, problems);
     checkMenuTree(tree, problems);
     addUndecodableNames(tree.root(), problems);
+}
+
+void checkTree(Tree& tree, const Trace& trace, Problems& problems) {
+    RuleRun run(tree, trace, problems);
+    checkLoads(tree, run, problems);
     runRules(run);
     problems.sort();
 }

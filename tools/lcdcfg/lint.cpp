@@ -258,6 +258,11 @@ void lintTree(const Tree& tree, const Trace& trace, const Vocabulary& vocabulary
         linter.document(d);
 }
 
+void lintDocument(const Tree& tree, const DocumentTrace& document, const Vocabulary& vocabulary,
+                  Problems& problems) {
+    Linter(tree, vocabulary, problems).document(document);
+}
+
 int runLint(const QStringList& args) {
     CommandLine cl(
         QStringLiteral("lint"),

@@ -23,7 +23,8 @@ void toStandardError(QtMsgType type, const QMessageLogContext&, const QString& t
 
 } // namespace
 
-TreeChecks::TreeChecks(const kvchost::PluginHost& host) : m_host(host), m_shipped(new Vocabulary) {
+TreeChecks::TreeChecks(const kvchost::PluginHost& host, bool keep)
+    : m_host(host), m_shipped(new Vocabulary), m_keep(keep) {
     qInstallMessageHandler(&toStandardError);
     Trace trace;
     Tree shipped(host, defaultRoot());
@@ -38,8 +39,11 @@ TreeChecks::~TreeChecks() = default;
 void TreeChecks::run(const QString& root) {
     m_tree = std::make_unique<Tree>(m_host, root);
     m_vocabulary.reset();
-    for (PartRun& run : m_parts)
+    m_rules.clear();
+    for (PartRun& run : m_parts) {
         run.vocabulary.reset();
+        run.lint.clear();
+    }
     QVector<Part> all;
     for (int i = 0; i < kPartCount; ++i)
         all << static_cast<Part>(i);
@@ -49,26 +53,93 @@ void TreeChecks::run(const QString& root) {
 void TreeChecks::update(const QStringList& changed) {
     if (!m_tree || !m_trace) return run(m_tree ? m_tree->root() : QString());
     QVector<Part> parts;
-    for (const PartLoad& load : m_tree->loads())
-        for (const QString& relative : changed) {
-            const QString path = m_tree->root() + QLatin1Char('/') + relative;
-            const bool fed = load.documents.contains(path) ||
-                             std::any_of(load.inputs.begin(), load.inputs.end(), [&](const QString& input) {
-                                 return path == input || path.startsWith(input + QLatin1Char('/'));
-                             });
-            if (fed && !parts.contains(load.part)) parts << load.part;
+    for (const QString& relative : changed) {
+        const QString path = m_tree->root() + QLatin1Char('/') + relative;
+        bool fed = false;
+        for (const PartLoad& load : m_tree->loads())
+            if (load.documents.contains(path) ||
+                std::any_of(load.inputs.begin(), load.inputs.end(), [&](const QString& input) {
+                    return path == input || path.startsWith(input + QLatin1Char('/'));
+                })) {
+                fed = true;
+                if (!parts.contains(load.part)) parts << load.part;
+            }
+        if (!fed) m_rules.clear(); // a file no part reads (misplaced?): every rule runs again
+    }
+    std::sort(parts.begin(), parts.end());
+    load(parts, changed);
+}
+
+namespace {
+
+bool sameRead(const AttributeTrace& a, const AttributeTrace& b) {
+    return a.name == b.name && a.present == b.present && a.raw == b.raw && a.def == b.def &&
+           a.kind == b.kind && a.stored == b.stored && a.validNumber == b.validNumber;
+}
+
+bool sameReads(const ElementTrace& a, const ElementTrace& b) {
+    return a.found == b.found && a.textRead == b.textRead && a.textNumber == b.textNumber &&
+           a.lookedInto == b.lookedInto && a.missing == b.missing &&
+           std::equal(a.reads.begin(), a.reads.end(), b.reads.begin(), b.reads.end(), sameRead);
+}
+
+// Whether the readers did the same with a document in two loads.
+bool sameReads(const DocumentTrace& a, const DocumentTrace& b) {
+    if (a.ok != b.ok || a.error != b.error || a.line != b.line || a.column != b.column ||
+        a.rejected != b.rejected || a.elements.size() != b.elements.size())
+        return false;
+    for (auto it = a.elements.cbegin(); it != a.elements.cend(); ++it) {
+        const auto other = b.elements.constFind(it.key());
+        if (other == b.elements.cend() || !sameReads(*it, *other)) return false;
+    }
+    return true;
+}
+
+// Each document of `trace` by "PATH\nN", its N-th reading.
+template <class F> void forEachReading(const Trace& trace, F&& f) {
+    QHash<QString, int> readings;
+    for (const DocumentTrace& d : trace.documents())
+        f(d, d.path + QLatin1Char('\n') + QString::number(readings[d.path]++));
+}
+
+} // namespace
+
+// Lints the documents of a part loaded again: those whose text changed,
+// those the readers read otherwise than in the `previous` load, or `all`;
+// the others keep their warnings.
+void TreeChecks::lint(PartRun& run, const Trace* previous, const QSet<QString>& changed, bool all) {
+    QHash<QString, const DocumentTrace*> before;
+    if (previous && !all)
+        forEachReading(*previous,
+                       [&](const DocumentTrace& d, const QString& key) { before.insert(key, &d); });
+    QHash<QString, QVector<Problem>> lint;
+    forEachReading(*run.trace, [&](const DocumentTrace& d, const QString& key) {
+        const DocumentTrace* was = before.value(key);
+        const auto kept = run.lint.constFind(key);
+        if (was && kept != run.lint.cend() && !changed.contains(d.path) && sameReads(d, *was)) {
+            lint.insert(key, *kept);
+            return;
         }
-    load(parts);
+        Problems problems;
+        lintDocument(*m_tree, d, *m_vocabulary, problems);
+        lint.insert(key, problems.list());
+    });
+    run.lint = std::move(lint);
 }
 
 // Loads `parts` again (table order), keeps the other parts' loads, and lists
-// the problems of the whole tree.
-void TreeChecks::load(const QVector<Part>& parts) {
+// the problems of the whole tree. `changed`: the files (relative) whose text
+// changed since the last load.
+void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
     m_problems = Problems();
     m_retired.push_back(std::move(m_trace));
-    bool relintAll = !m_vocabulary;
+    bool relintAll = !m_vocabulary || !m_keep;
+    const Trace* previous[kPartCount] = {};
+    unsigned reloaded = 0;
     for (Part part : parts) {
         PartRun& run = m_parts[int(part)];
+        previous[int(part)] = run.trace.get();
+        reloaded |= 1u << int(part);
         m_retired.push_back(std::move(run.trace));
         run.trace = std::make_unique<Trace>();
         if (!m_tree->load({part}, run.trace.get())) {
@@ -79,7 +150,6 @@ void TreeChecks::load(const QVector<Part>& parts) {
         vocabulary->add(*run.trace);
         relintAll = relintAll || !run.vocabulary || !(*run.vocabulary == *vocabulary);
         run.vocabulary = std::move(vocabulary);
-        run.lint.reset();
     }
     m_trace = std::make_unique<Trace>();
     for (const PartRun& run : m_parts)
@@ -89,14 +159,27 @@ void TreeChecks::load(const QVector<Part>& parts) {
         for (const PartRun& run : m_parts)
             m_vocabulary->add(*run.vocabulary);
     }
-    checkTree(*m_tree, *m_trace, m_problems);
-    for (PartRun& run : m_parts) {
-        if (!run.lint || relintAll) {
-            run.lint = std::make_unique<Problems>();
-            lintTree(*m_tree, *run.trace, *m_vocabulary, *run.lint);
-        }
-        for (const Problem& p : run.lint->list())
-            m_problems.add(p);
+    RuleRun rules(*m_tree, *m_trace, m_problems);
+    checkLoads(*m_tree, rules, m_problems);
+    if (m_keep) {
+        const Trace* traces[kPartCount];
+        for (int i = 0; i < kPartCount; ++i)
+            traces[i] = m_parts[i].trace.get();
+        m_rules.run(rules, traces, reloaded);
+    } else {
+        runRules(rules);
+    }
+    m_problems.sort();
+    QSet<QString> texts;
+    for (const QString& relative : changed)
+        texts.insert(m_tree->root() + QLatin1Char('/') + relative);
+    for (int i = 0; i < kPartCount; ++i) {
+        PartRun& run = m_parts[i];
+        if (relintAll || (reloaded & (1u << i))) lint(run, previous[i], texts, relintAll);
+        forEachReading(*run.trace, [&](const DocumentTrace&, const QString& key) {
+            for (const Problem& p : run.lint.value(key))
+                m_problems.add(p);
+        });
     }
     m_problems.sort();
     dropEchoes();

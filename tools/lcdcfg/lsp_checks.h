@@ -5,6 +5,8 @@
 // `lint` check it, and the load stays at hand for hover's "loaded value and
 // where it came from". The server's other files know nothing else of the tool.
 
+#include <QtCore/QHash>
+#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QVector>
 
@@ -14,13 +16,17 @@
 #include "host/kvchost.h"
 #include "tools/lcdcfg/formats.h"
 #include "tools/lcdcfg/problems.h"
+#include "tools/lcdcfg/rules.h"
 #include "tools/lcdcfg/tree.h"
 
 namespace lcdcfg {
 
 class TreeChecks {
 public:
-    explicit TreeChecks(const kvchost::PluginHost& host);
+    // `keep`: what only a reloaded part can change (the rules' findings on
+    // it, lint's warnings on its documents) is kept from one run to the
+    // next; without, every rule runs and every document is linted each time.
+    explicit TreeChecks(const kvchost::PluginHost& host, bool keep = true);
     ~TreeChecks();
 
     // Loads the tree at `root` with the recording observer and lists what
@@ -55,10 +61,12 @@ private:
     struct PartRun {
         std::unique_ptr<Trace> trace;
         std::unique_ptr<Vocabulary> vocabulary;
-        std::unique_ptr<Problems> lint;
+        // lint's warnings per document read ("PATH\nN": its N-th reading)
+        QHash<QString, QVector<Problem>> lint;
     };
 
-    void load(const QVector<Part>& parts);
+    void load(const QVector<Part>& parts, const QStringList& changed = {});
+    void lint(PartRun& run, const Trace* previous, const QSet<QString>& changed, bool all);
     void dropEchoes();
 
     const kvchost::PluginHost& m_host;
@@ -70,6 +78,8 @@ private:
     std::unique_ptr<Tree> m_tree;
     PartRun m_parts[kPartCount];
     std::vector<std::unique_ptr<Trace>> m_retired; // replaced, not freed yet
+    bool m_keep = true;
+    RuleResults m_rules;
     Problems m_problems;
 };
 

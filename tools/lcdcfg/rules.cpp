@@ -4,6 +4,7 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
+#include <iterator>
 
 #include "tools/lcdcfg/cli.h"
 #include "tools/lcdcfg/layout.h"
@@ -389,7 +390,7 @@ void attributeMisspelt(RuleRun& run) {
 
 void fileUnread(RuleRun& run) {
     for (const PartLoad& load : run.tree.loads())
-        for (const QString& document : load.ok ? load.documents : QStringList()) {
+        for (const QString& document : load.ok&& run.covers(load.part) ? load.documents : QStringList()) {
             const auto here = run.is(document);
             const bool failed = std::any_of(run.trace.failures().begin(), run.trace.failures().end(),
                                             [&](const DocumentFailure& f) { return here(f.document); });
@@ -418,55 +419,63 @@ void modelDirEmpty(RuleRun& run) {
                 QStringLiteral("model folder without description files: the host loads an empty model"));
 }
 
+// The parts a rule reads, one bit each.
+constexpr unsigned bit(Part part) {
+    return 1u << int(part);
+}
+constexpr unsigned kDevices = bit(Part::Devices), kCards = bit(Part::Cards),
+                   kConnectors = bit(Part::Connectors), kMenu = bit(Part::Menu), kHdr = bit(Part::Hdr),
+                   kKeys = bit(Part::Keys), kPrintKeys = bit(Part::PrintKeys), kAll = (1u << kPartCount) - 1;
+
 const Rule kRules[] = {
-    {"card-unknown", Severity::Error, cardUnknown},
-    {"connector-type-undescribed", Severity::Error, connectorTypeUndescribed},
-    {"layout-*", Severity::Error, layoutCells},
-    {"crosscard-module-unknown", Severity::Error, crosscardModuleUnknown},
-    {"printkey-model-unknown", Severity::Error, printkeyModelUnknown},
-    {"menu-empty", Severity::Error, menuEmptyRule},
-    {"menu-key-without-item", Severity::Error, menuKeyWithoutItem},
-    {"menu-key-duplicate", Severity::Error, menuKeyDuplicate},
-    {"hdr-value-without-text", Severity::Error, hdrValueWithoutText},
-    {"model-duplicate", Severity::Error, modelDuplicate},
-    {"card-duplicate", Severity::Error, cardDuplicate},
-    {"current-device-missing", Severity::Error, currentDeviceMissing},
-    {"name-missing-en", Severity::Error, nameMissingEn},
-    {"name-missing-zh", Severity::Error, nameMissingZh},
-    {"element-misspelt", Severity::Error, elementMisspelt},
-    {"attribute-misspelt", Severity::Error, attributeMisspelt},
-    {"file-unread", Severity::Error, fileUnread},
-    {"number-invalid", Severity::Error, numberInvalid},
-    {"model-dir-empty", Severity::Warning, modelDirEmpty},
-    {"range-*", Severity::Error, ranges},
-    {"field-overflow", Severity::Error, fieldOverflow},
-    {"slot-duplicate", Severity::Error, slotDuplicate},
-    {"screen-type-duplicate", Severity::Error, screenTypeDuplicate},
-    {"hdr-value-duplicate", Severity::Error, hdrValueDuplicate},
-    {"name-missing-*", Severity::Error, shownNameMissing},
-    {"model-dir-unnamed", Severity::Error, modelDirUnnamed},
-    {"model-file-missing", Severity::Error, modelFileMissing},
-    {"file-misplaced", Severity::Error, fileMisplaced},
-    {"file-kind-ambiguous", Severity::Error, fileKindAmbiguous},
-    {"encoding-mismatch", Severity::Error, encodingMismatch},
-    {"text-undecodable", Severity::Error, textUndecodable},
-    {"entity-unknown", Severity::Error, entityUnknown},
-    {"element-unclosed", Severity::Error, elementUnclosed},
-    {"element-read-as", Severity::Error, elementReadAs},
-    {"key-duplicate", Severity::Error, keyDuplicate},
-    {"printkey-card-duplicate", Severity::Error, printkeyCardDuplicate},
-    {"crosscard-card-duplicate", Severity::Error, crosscardCardDuplicate},
-    {"layer-type-duplicate", Severity::Error, layerTypeDuplicate},
-    {"connector-position-duplicate", Severity::Error, connectorPositionDuplicate},
-    {"connector-type-duplicate", Severity::Error, connectorTypeDuplicate},
-    {"resolution-duplicate", Severity::Error, resolutionDuplicate},
-    {"connector-group-unknown", Severity::Error, connectorGroupUnknown},
-    {"crosscard-slot-unknown", Severity::Error, crosscardSlotUnknown},
-    {"crosscard-connector-unknown", Severity::Error, crosscardConnectorUnknown},
-    {"printkey-position-unknown", Severity::Error, printkeyPositionUnknown},
-    {"layer-type-unknown", Severity::Error, layerTypeUnknown},
-    {"association-unknown", Severity::Error, associationUnknown},
-    {"range-value-unlisted", Severity::Error, optionsUnlisted},
+    {"card-unknown", Severity::Error, cardUnknown, kDevices | kCards},
+    {"connector-type-undescribed", Severity::Error, connectorTypeUndescribed, kCards | kConnectors},
+    {"layout-*", Severity::Error, layoutCells, kDevices | kCards},
+    {"crosscard-module-unknown", Severity::Error, crosscardModuleUnknown, kDevices | kCards},
+    {"printkey-model-unknown", Severity::Error, printkeyModelUnknown, kPrintKeys | kDevices | kCards},
+    {"menu-empty", Severity::Error, menuEmptyRule, kMenu},
+    {"menu-key-without-item", Severity::Error, menuKeyWithoutItem, kMenu},
+    {"menu-key-duplicate", Severity::Error, menuKeyDuplicate, kMenu},
+    {"hdr-value-without-text", Severity::Error, hdrValueWithoutText, kHdr},
+    {"model-duplicate", Severity::Error, modelDuplicate, kDevices},
+    {"card-duplicate", Severity::Error, cardDuplicate, kCards},
+    {"current-device-missing", Severity::Error, currentDeviceMissing, kDevices},
+    {"name-missing-en", Severity::Error, nameMissingEn, kDevices | kCards},
+    {"name-missing-zh", Severity::Error, nameMissingZh, kDevices | kCards},
+    {"element-misspelt", Severity::Error, elementMisspelt, kEachDocument},
+    {"attribute-misspelt", Severity::Error, attributeMisspelt, kEachDocument},
+    {"file-unread", Severity::Error, fileUnread, kEachDocument},
+    {"number-invalid", Severity::Error, numberInvalid, kEachDocument},
+    {"model-dir-empty", Severity::Warning, modelDirEmpty, kDevices},
+    {"range-*", Severity::Error, ranges, kEachDocument},
+    {"field-overflow", Severity::Error, fieldOverflow, kDevices | kCards},
+    {"slot-duplicate", Severity::Error, slotDuplicate, kDevices},
+    {"screen-type-duplicate", Severity::Error, screenTypeDuplicate, kDevices},
+    {"hdr-value-duplicate", Severity::Error, hdrValueDuplicate, kHdr},
+    {"name-missing-*", Severity::Error, shownNameMissing, kDevices | kMenu},
+    {"model-dir-unnamed", Severity::Error, modelDirUnnamed, kDevices},
+    {"model-file-missing", Severity::Error, modelFileMissing, kDevices},
+    {"file-misplaced", Severity::Error, fileMisplaced, kAll},
+    {"file-kind-ambiguous", Severity::Error, fileKindAmbiguous, kDevices},
+    {"encoding-mismatch", Severity::Error, encodingMismatch, kEachDocument},
+    {"text-undecodable", Severity::Error, textUndecodable, kEachDocument},
+    {"entity-unknown", Severity::Error, entityUnknown, kEachDocument},
+    {"element-unclosed", Severity::Error, elementUnclosed, kEachDocument},
+    {"element-read-as", Severity::Error, elementReadAs, kDevices | kCards | kMenu | kKeys | kPrintKeys},
+    {"key-duplicate", Severity::Error, keyDuplicate, kKeys},
+    {"printkey-card-duplicate", Severity::Error, printkeyCardDuplicate, kPrintKeys},
+    {"crosscard-card-duplicate", Severity::Error, crosscardCardDuplicate, kDevices},
+    {"layer-type-duplicate", Severity::Error, layerTypeDuplicate, kDevices},
+    {"connector-position-duplicate", Severity::Error, connectorPositionDuplicate, kCards},
+    {"connector-type-duplicate", Severity::Error, connectorTypeDuplicate, kConnectors},
+    {"resolution-duplicate", Severity::Error, resolutionDuplicate, kConnectors},
+    {"connector-group-unknown", Severity::Error, connectorGroupUnknown, kDevices | kCards},
+    {"crosscard-slot-unknown", Severity::Error, crosscardSlotUnknown, kDevices},
+    {"crosscard-connector-unknown", Severity::Error, crosscardConnectorUnknown, kDevices | kCards},
+    {"printkey-position-unknown", Severity::Error, printkeyPositionUnknown, kPrintKeys | kCards},
+    {"layer-type-unknown", Severity::Error, layerTypeUnknown, kDevices},
+    {"association-unknown", Severity::Error, associationUnknown, kCards},
+    {"range-value-unlisted", Severity::Error, optionsUnlisted, kEachDocument},
 };
 
 } // namespace
@@ -532,6 +541,49 @@ void runRules(RuleRun& run) {
     for (const Rule& rule : kRules) {
         run.rule = &rule;
         rule.run(run);
+    }
+}
+
+// Per rule, its findings over the joined trace, or (a rule on documents)
+// over each part's trace.
+struct RuleResults::Kept {
+    bool any = false;
+    QVector<Problem> found[std::size(kRules)][kPartCount];
+};
+
+RuleResults::RuleResults() : m_kept(std::make_unique<Kept>()) {}
+
+RuleResults::~RuleResults() = default;
+
+void RuleResults::clear() {
+    m_kept = std::make_unique<Kept>();
+}
+
+void RuleResults::run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded) {
+    const QuietLibrary quiet;
+    if (!m_kept->any) reloaded = kAll;
+    m_kept->any = true;
+    auto again = [&](const Rule& rule, const Trace& trace, unsigned covered, QVector<Problem>& found) {
+        Problems problems;
+        RuleRun one(run.tree, trace, problems);
+        one.parts = covered;
+        one.lostCards = run.lostCards;
+        one.lostConnectorTypes = run.lostConnectorTypes;
+        one.rule = &rule;
+        rule.run(one);
+        found = problems.list();
+    };
+    for (size_t r = 0; r < std::size(kRules); ++r) {
+        const Rule& rule = kRules[r];
+        for (int p = 0; p < kPartCount; ++p) {
+            QVector<Problem>& found = m_kept->found[r][p];
+            if (rule.reads == kEachDocument && (reloaded & bit(Part(p))))
+                again(rule, *parts[p], bit(Part(p)), found);
+            else if (rule.reads != kEachDocument && p == 0 && (reloaded & rule.reads))
+                again(rule, run.trace, run.parts, found);
+            for (const Problem& problem : found)
+                run.m_problems.add(problem);
+        }
     }
 }
 

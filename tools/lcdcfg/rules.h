@@ -8,6 +8,7 @@
 #include <QtCore/QSet>
 
 #include <list>
+#include <memory>
 
 #include "tools/lcdcfg/problems.h"
 #include "tools/lcdcfg/trace.h"
@@ -25,6 +26,10 @@ public:
 
     const Tree& tree;
     const Trace& trace;
+    // The parts whose loads `trace` recorded (one bit per part): the rules
+    // that go through the loads look at those alone.
+    unsigned parts = ~0u;
+    bool covers(Part part) const { return parts & (1u << int(part)); }
     // Ids the host loses to a bad file (reported once as records-lost): a
     // reference to one of them is not reported again.
     QSet<int> lostCards;
@@ -53,6 +58,7 @@ public:
     const Rule* rule = nullptr;
 
 private:
+    friend class RuleResults;
     Problems& m_problems;
     std::list<Site> m_made; // sites made for positions that have no site
 };
@@ -61,9 +67,34 @@ struct Rule {
     const char* code;
     Severity severity;
     void (*run)(RuleRun& run);
+    // The parts whose loads its findings depend on (one bit per part), or
+    // kEachDocument: the findings on a document depend on that document's
+    // load alone.
+    unsigned reads;
 };
+constexpr unsigned kEachDocument = 0;
 
 // Runs every rule in table order (the library's messages are muted meanwhile).
 void runRules(RuleRun& run);
+
+// The rules' findings kept from one run to the next over a tree whose parts
+// are loaded again one at a time (the language server): a rule runs again
+// only when a part it reads was loaded again, a rule on documents only over
+// the parts loaded again. The findings, in their order, are those
+// runRules() adds over the joined trace.
+class RuleResults {
+public:
+    RuleResults();
+    ~RuleResults();
+    // `run` is over the parts' traces joined; `parts` holds each part's own
+    // trace (table order); `reloaded` the parts loaded again since the last
+    // call (one bit each).
+    void run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded);
+    void clear();
+
+private:
+    struct Kept;
+    std::unique_ptr<Kept> m_kept;
+};
 
 } // namespace lcdcfg

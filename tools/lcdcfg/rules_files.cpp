@@ -225,7 +225,7 @@ void entityUnknown(RuleRun& run) {
 // where it was opened.
 void elementUnclosed(RuleRun& run) {
     for (const PartLoad& load : run.tree.loads())
-        for (int i = 1; i < load.diagnostics.size(); ++i) {
+        for (int i = 1; run.covers(load.part) && i < load.diagnostics.size(); ++i) {
             const Diagnostic& d = load.diagnostics[i];
             const Diagnostic& parse = load.diagnostics[i - 1]; // the failure it explains
             if (d.kind != DiagnosticKind::ElementUnclosed || parse.kind != DiagnosticKind::ParseFailed)
