@@ -159,20 +159,20 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
         for (const PartRun& run : m_parts)
             m_vocabulary->add(*run.vocabulary);
     }
+    QSet<QString> texts; // the files whose text changed, absolute
+    for (const QString& relative : changed)
+        texts.insert(m_tree->root() + QLatin1Char('/') + relative);
     RuleRun rules(*m_tree, *m_trace, m_problems);
     checkLoads(*m_tree, rules, m_problems);
     if (m_keep) {
         const Trace* traces[kPartCount];
         for (int i = 0; i < kPartCount; ++i)
             traces[i] = m_parts[i].trace.get();
-        m_rules.run(rules, traces, reloaded);
+        m_rules.run(rules, traces, reloaded, texts);
     } else {
         runRules(rules);
     }
     m_problems.sort();
-    QSet<QString> texts;
-    for (const QString& relative : changed)
-        texts.insert(m_tree->root() + QLatin1Char('/') + relative);
     for (int i = 0; i < kPartCount; ++i) {
         PartRun& run = m_parts[i];
         if (relintAll || (reloaded & (1u << i))) lint(run, previous[i], texts, relintAll);

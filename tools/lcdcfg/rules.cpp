@@ -442,12 +442,12 @@ const Rule kRules[] = {
     {"current-device-missing", Severity::Error, currentDeviceMissing, kDevices},
     {"name-missing-en", Severity::Error, nameMissingEn, kDevices | kCards},
     {"name-missing-zh", Severity::Error, nameMissingZh, kDevices | kCards},
-    {"element-misspelt", Severity::Error, elementMisspelt, kEachDocument},
-    {"attribute-misspelt", Severity::Error, attributeMisspelt, kEachDocument},
-    {"file-unread", Severity::Error, fileUnread, kEachDocument},
-    {"number-invalid", Severity::Error, numberInvalid, kEachDocument},
+    {"element-misspelt", Severity::Error, elementMisspelt, kEachPart},
+    {"attribute-misspelt", Severity::Error, attributeMisspelt, kEachPart},
+    {"file-unread", Severity::Error, fileUnread, kEachPart},
+    {"number-invalid", Severity::Error, numberInvalid, kEachPart},
     {"model-dir-empty", Severity::Warning, modelDirEmpty, kDevices},
-    {"range-*", Severity::Error, ranges, kEachDocument},
+    {"range-*", Severity::Error, ranges, kEachPart},
     {"field-overflow", Severity::Error, fieldOverflow, kDevices | kCards},
     {"slot-duplicate", Severity::Error, slotDuplicate, kDevices},
     {"screen-type-duplicate", Severity::Error, screenTypeDuplicate, kDevices},
@@ -457,11 +457,11 @@ const Rule kRules[] = {
     {"model-file-missing", Severity::Error, modelFileMissing, kDevices},
     {"file-misplaced", Severity::Error, fileMisplaced, kAll},
     {"file-kind-ambiguous", Severity::Error, fileKindAmbiguous, kDevices},
-    {"encoding-mismatch", Severity::Error, encodingMismatch, kEachDocument},
-    {"text-undecodable", Severity::Error, textUndecodable, kEachDocument},
-    {"entity-unknown", Severity::Error, entityUnknown, kEachDocument},
-    {"element-unclosed", Severity::Error, elementUnclosed, kEachDocument},
-    {"element-read-as", Severity::Error, elementReadAs, kDevices | kCards | kMenu | kKeys | kPrintKeys},
+    {"encoding-mismatch", Severity::Error, encodingMismatch, kEachPart},
+    {"text-undecodable", Severity::Error, textUndecodable, kEachPart},
+    {"entity-unknown", Severity::Error, entityUnknown, kEachPart},
+    {"element-unclosed", Severity::Error, elementUnclosed, kEachPart},
+    {"element-read-as", Severity::Error, elementReadAs, kEachPart},
     {"key-duplicate", Severity::Error, keyDuplicate, kKeys},
     {"printkey-card-duplicate", Severity::Error, printkeyCardDuplicate, kPrintKeys},
     {"crosscard-card-duplicate", Severity::Error, crosscardCardDuplicate, kDevices},
@@ -475,7 +475,7 @@ const Rule kRules[] = {
     {"printkey-position-unknown", Severity::Error, printkeyPositionUnknown, kPrintKeys | kCards},
     {"layer-type-unknown", Severity::Error, layerTypeUnknown, kDevices},
     {"association-unknown", Severity::Error, associationUnknown, kCards},
-    {"range-value-unlisted", Severity::Error, optionsUnlisted, kEachDocument},
+    {"range-value-unlisted", Severity::Error, optionsUnlisted, kEachPart},
 };
 
 } // namespace
@@ -548,6 +548,7 @@ void runRules(RuleRun& run) {
 // over each part's trace.
 struct RuleResults::Kept {
     bool any = false;
+    FileBytesByPath bytes;
     QVector<Problem> found[std::size(kRules)][kPartCount];
 };
 
@@ -559,10 +560,13 @@ void RuleResults::clear() {
     m_kept = std::make_unique<Kept>();
 }
 
-void RuleResults::run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded) {
+void RuleResults::run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded,
+                      const QSet<QString>& changed) {
     const QuietLibrary quiet;
     if (!m_kept->any) reloaded = kAll;
     m_kept->any = true;
+    for (const QString& path : changed)
+        m_kept->bytes.remove(path);
     auto again = [&](const Rule& rule, const Trace& trace, unsigned covered, QVector<Problem>& found) {
         Problems problems;
         RuleRun one(run.tree, trace, problems);
@@ -570,6 +574,7 @@ void RuleResults::run(RuleRun& run, const Trace* const (&parts)[kPartCount], uns
         one.lostCards = run.lostCards;
         one.lostConnectorTypes = run.lostConnectorTypes;
         one.rule = &rule;
+        one.bytes = &m_kept->bytes;
         rule.run(one);
         found = problems.list();
     };
@@ -577,9 +582,9 @@ void RuleResults::run(RuleRun& run, const Trace* const (&parts)[kPartCount], uns
         const Rule& rule = kRules[r];
         for (int p = 0; p < kPartCount; ++p) {
             QVector<Problem>& found = m_kept->found[r][p];
-            if (rule.reads == kEachDocument && (reloaded & bit(Part(p))))
+            if (rule.reads == kEachPart && (reloaded & bit(Part(p))))
                 again(rule, *parts[p], bit(Part(p)), found);
-            else if (rule.reads != kEachDocument && p == 0 && (reloaded & rule.reads))
+            else if (rule.reads != kEachPart && p == 0 && (reloaded & rule.reads))
                 again(rule, run.trace, run.parts, found);
             for (const Problem& problem : found)
                 run.m_problems.add(problem);

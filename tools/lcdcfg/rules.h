@@ -5,7 +5,9 @@
 // the components' records; positions come from the sites the recording observer
 // kept (line 0 of the file when none is found).
 
+#include <QtCore/QHash>
 #include <QtCore/QSet>
+#include <QtCore/QVector>
 
 #include <list>
 #include <memory>
@@ -17,6 +19,23 @@
 namespace lcdcfg {
 
 struct Rule;
+
+// What the rules on encodings and entities take from a file's bytes.
+struct FileBytes {
+    QString declared; // the encoding the XML declaration names, lower case ("" when none)
+    bool ascii = false;
+    bool utf8 = false; // well-formed UTF-8
+    // Every entity reference the parser does not know: where, and the text
+    // the parser keeps before it.
+    struct Entity {
+        int line = 0;
+        int column = 0;
+        QString reference; // "&nbsp;"
+        QString stored;
+    };
+    QVector<Entity> unknownEntities;
+};
+using FileBytesByPath = QHash<QString, FileBytes>;
 
 // What a rule works on, and where it reports.
 class RuleRun {
@@ -56,10 +75,14 @@ public:
     const Site* missingSite(const QString& document, const QString& name);
 
     const Rule* rule = nullptr;
+    // What was taken from files' bytes, by path: the run's own unless the
+    // caller keeps it between runs.
+    FileBytesByPath* bytes = &m_bytes;
 
 private:
     friend class RuleResults;
     Problems& m_problems;
+    FileBytesByPath m_bytes;
     std::list<Site> m_made; // sites made for positions that have no site
 };
 
@@ -68,20 +91,20 @@ struct Rule {
     Severity severity;
     void (*run)(RuleRun& run);
     // The parts whose loads its findings depend on (one bit per part), or
-    // kEachDocument: the findings on a document depend on that document's
-    // load alone.
+    // kEachPart: its findings on a part's files depend on that part's load
+    // alone (a rule over documents, records of one part).
     unsigned reads;
 };
-constexpr unsigned kEachDocument = 0;
+constexpr unsigned kEachPart = 0;
 
 // Runs every rule in table order (the library's messages are muted meanwhile).
 void runRules(RuleRun& run);
 
 // The rules' findings kept from one run to the next over a tree whose parts
 // are loaded again one at a time (the language server): a rule runs again
-// only when a part it reads was loaded again, a rule on documents only over
-// the parts loaded again. The findings, in their order, are those
-// runRules() adds over the joined trace.
+// only when a part it reads was loaded again, a rule of kEachPart only over
+// the parts loaded again. Sorted by place, the findings are those runRules()
+// adds over the joined trace (no two parts read one file).
 class RuleResults {
 public:
     RuleResults();
@@ -89,7 +112,9 @@ public:
     // `run` is over the parts' traces joined; `parts` holds each part's own
     // trace (table order); `reloaded` the parts loaded again since the last
     // call (one bit each).
-    void run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded);
+    // `changed`: the files (absolute) whose bytes changed since.
+    void run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded,
+             const QSet<QString>& changed);
     void clear();
 
 private:

@@ -74,6 +74,35 @@ std::pair<const Site*, QString> firstValue(const RuleRun& run, const QString& do
     return {nullptr, QString()};
 }
 
+// What the rules take from the bytes of `path`, read once per run (or as
+// long as the caller keeps them).
+const FileBytes& bytesOf(RuleRun& run, const QString& path) {
+    const auto kept = run.bytes->constFind(path);
+    if (kept != run.bytes->cend()) return *kept;
+    const QByteArray bytes = bytesOf(path);
+    FileBytes facts;
+    facts.declared = declaredEncoding(bytes);
+    facts.ascii = ascii(bytes);
+    facts.utf8 = validUtf8(bytes);
+    static const QRegularExpression entity(QStringLiteral("&([A-Za-z_][A-Za-z0-9._-]*);"));
+    static const QStringList known{QStringLiteral("amp"), QStringLiteral("lt"), QStringLiteral("gt"),
+                                   QStringLiteral("quot"), QStringLiteral("apos")};
+    const QString text = bytes.contains('&') ? QString::fromUtf8(bytes) : QString(); // no reference at all
+    for (auto m = entity.globalMatch(text); m.hasNext();) {
+        const QRegularExpressionMatch hit = m.next();
+        if (known.contains(hit.captured(1))) continue;
+        const int start = hit.capturedStart();
+        // the parser keeps the text up to the entity: of the element's text, or of the attribute
+        const int from =
+            std::max(text.lastIndexOf(QLatin1Char('>'), start), text.lastIndexOf(QLatin1Char('"'), start)) +
+            1;
+        facts.unknownEntities.push_back({text.left(start).count(QLatin1Char('\n')) + 1,
+                                         start - text.lastIndexOf(QLatin1Char('\n'), start), hit.captured(0),
+                                         text.mid(from, start - from)});
+    }
+    return *run.bytes->insert(path, facts);
+}
+
 } // namespace
 
 QFileInfoList modelFolders(const RuleRun& run) {
@@ -163,25 +192,24 @@ void fileKindAmbiguous(RuleRun& run) {
 void encodingMismatch(RuleRun& run) {
     for (const DocumentTrace& document : run.trace.documents()) {
         if (!document.ok) continue;
-        const QByteArray bytes = bytesOf(document.path);
-        const QString declared = declaredEncoding(bytes);
-        if (isUtf8(declared) || declared.startsWith(QLatin1String("utf")) || ascii(bytes) ||
-            !validUtf8(bytes))
+        const FileBytes& bytes = bytesOf(run, document.path);
+        if (isUtf8(bytes.declared) || bytes.declared.startsWith(QLatin1String("utf")) || bytes.ascii ||
+            !bytes.utf8)
             continue;
         const auto value = firstValue(run, document.path, [](const QString& v) {
             return std::any_of(v.begin(), v.end(), [](QChar c) { return c.unicode() >= 0x80; });
         });
         run.report(value.first, document.path,
                    QStringLiteral("the file declares %1 but is written in UTF-8: \"%2\" is stored")
-                       .arg(declared, value.second));
+                       .arg(bytes.declared, value.second));
     }
 }
 
 void textUndecodable(RuleRun& run) {
     for (const DocumentTrace& document : run.trace.documents()) {
         if (!document.ok) continue;
-        const QByteArray bytes = bytesOf(document.path);
-        if (!isUtf8(declaredEncoding(bytes)) || validUtf8(bytes)) continue;
+        const FileBytes& bytes = bytesOf(run, document.path);
+        if (!isUtf8(bytes.declared) || bytes.utf8) continue;
         const auto value =
             firstValue(run, document.path, [](const QString& v) { return v.contains(QChar(0xFFFD)); });
         run.report(value.first, document.path,
@@ -191,30 +219,14 @@ void textUndecodable(RuleRun& run) {
 }
 
 void entityUnknown(RuleRun& run) {
-    static const QRegularExpression entity(QStringLiteral("&([A-Za-z_][A-Za-z0-9._-]*);"));
-    static const QStringList known{QStringLiteral("amp"), QStringLiteral("lt"), QStringLiteral("gt"),
-                                   QStringLiteral("quot"), QStringLiteral("apos")};
     for (const DocumentTrace& document : run.trace.documents()) {
         if (!document.ok) continue;
-        const QByteArray bytes = bytesOf(document.path);
-        if (!bytes.contains('&')) continue; // no reference at all
-        const QString text = QString::fromUtf8(bytes);
-        for (auto m = entity.globalMatch(text); m.hasNext();) {
-            const QRegularExpressionMatch hit = m.next();
-            if (known.contains(hit.captured(1))) continue;
-            const int line = text.left(hit.capturedStart()).count(QLatin1Char('\n')) + 1;
-            const int column = hit.capturedStart() - text.lastIndexOf(QLatin1Char('\n'), hit.capturedStart());
-            Site at{document.path, QString(), line, column, {}};
-            // the parser keeps the text up to the entity: of the element's text, or of the attribute
-            const int start = hit.capturedStart();
-            const int from = std::max(text.lastIndexOf(QLatin1Char('>'), start),
-                                      text.lastIndexOf(QLatin1Char('"'), start)) +
-                             1;
-            const QString stored = text.mid(from, start - from);
+        for (const FileBytes::Entity& entity : bytesOf(run, document.path).unknownEntities) {
+            Site at{document.path, QString(), entity.line, entity.column, {}};
             run.report(
                 &at, QString(),
                 QStringLiteral("%1 is no entity the parser knows: the text is cut short, stored as \"%2\"")
-                    .arg(hit.captured(0), stored));
+                    .arg(entity.reference, entity.stored));
         }
     }
 }

@@ -16,11 +16,10 @@ namespace {
 // every following sibling, whatever its name: each item of `count` read
 // from an element named otherwise than the first is reported as what it became.
 // `key`: the attribute that numbers an item, named with the value stored.
-void readAs(RuleRun& run, const RecordPath& list, K kind, int count, const QString& what,
-            const QString& key = QString()) {
-    const Site* first = run.trace.record(list + RecordPath{{kind, 0}});
-    for (int i = 1; first && i < count; ++i) {
-        const Site* site = run.trace.record(list + RecordPath{{kind, i}});
+void readAs(RuleRun& run, const QVector<const Site*>& items, const QString& what, const QString& key) {
+    const Site* first = items.value(0);
+    for (int i = 1; first && i < items.size(); ++i) {
+        const Site* site = items[i];
         if (site && site->tag != first->tag)
             run.report(
                 site, QString(),
@@ -31,6 +30,15 @@ void readAs(RuleRun& run, const RecordPath& list, K kind, int count, const QStri
                     .arg(key.isEmpty() ? QString()
                                        : QStringLiteral(" (%1 %2)").arg(key, site->values.value(key))));
     }
+}
+
+void readAs(RuleRun& run, const RecordPath& list, K kind, int count, const QString& what,
+            const QString& key = QString()) {
+    QVector<const Site*> items;
+    if (const Site* first = run.trace.record(list + RecordPath{{kind, 0}}))
+        for (int i = 0; i < count; ++i)
+            items << (i == 0 ? first : run.trace.record(list + RecordPath{{kind, i}}));
+    readAs(run, items, what, key);
 }
 
 // A list a walk reads, and the lists below each of its items; `what` null
@@ -45,9 +53,9 @@ struct List {
 };
 
 void readAsBelow(RuleRun& run, const RecordPath& above, const List& list) {
-    const int count = recordsOf(run.trace, above, list.kind).size();
-    if (list.what) readAs(run, above, list.kind, count, QLatin1String(list.what), QLatin1String(list.key));
-    for (int i = 0; i < count; ++i) {
+    const QVector<const Site*> items = recordsOf(run.trace, above, list.kind);
+    if (list.what) readAs(run, items, QLatin1String(list.what), QLatin1String(list.key));
+    for (int i = 0; i < items.size(); ++i) {
         const RecordPath at = above + RecordPath{{list.kind, i}};
         for (const List& below : list.below)
             readAsBelow(run, at, below);
