@@ -90,8 +90,8 @@ class LcdcfgLspTest : public QObject {
 private Q_SLOTS:
     // tests/data/lcdcfg/lsp-transcript.json, sent message by message (after
     // a request, its reply is awaited; {"delete": F} removes F from the
-    // tree), against a copy of the shipped tree; every message the server
-    // sends, one per line, must be tests/data/lcdcfg/lsp-replies.jsonl.
+    // tree, {"write": F, "text": T} saves T as F), against a copy of the shipped tree; every message the
+    // server sends, one per line, must be tests/data/lcdcfg/lsp-replies.jsonl.
     void transcriptMatchesGolden() {
         QTemporaryDir dir;
         const QString root = test::shippedCopy(dir);
@@ -113,6 +113,16 @@ private Q_SLOTS:
             }
             expandTexts(step);
             message = step.toObject();
+            if (message.contains("write")) { // the text saved by another program, in Latin-1 if asked
+                const QString text = message["text"].toString();
+                const QByteArray bytes = message["latin1"].toBool() ? text.toLatin1() : text.toUtf8();
+                QFile file(root + "/" + message["write"].toString());
+                QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                        file.write(bytes) == bytes.size());
+                before.insert(message["write"].toString(),
+                              QCryptographicHash::hash(bytes, QCryptographicHash::Sha1));
+                continue;
+            }
             message.insert("jsonrpc", "2.0");
             client.send(
                 QJsonDocument(message).toJson(QJsonDocument::Compact).replace("ROOT", rootUri.toUtf8()));

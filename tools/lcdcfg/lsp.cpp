@@ -150,8 +150,9 @@ private:
             m_connection.error(id, -32601, QStringLiteral("%1 is not served").arg(method));
     }
 
-    // Checks the tree as it is now and publishes every file's diagnostics
-    // (an empty list for a file whose problems are gone).
+    // Checks the tree as it is now and publishes the diagnostics of every
+    // file whose text or list changed (an empty list for a file whose
+    // problems are gone).
     void check() {
         m_dirty = false;
         if (!m_workspace->sync() && m_checked) return;
@@ -184,6 +185,9 @@ private:
             else
                 now.list =
                     diagnostics(*m_checks, *m_workspace, m_index, file, m_workspace->text(uri), &now.ids);
+            if (before != m_diagnostics.constEnd() && before->list == now.list &&
+                !m_workspace->changed().contains(file))
+                continue; // the editor has them
             m_connection.notify(QStringLiteral("textDocument/publishDiagnostics"),
                                 {{QStringLiteral("uri"), uri}, {QStringLiteral("diagnostics"), now.list}});
         }
