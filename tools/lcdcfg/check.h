@@ -30,5 +30,8 @@ void lintTree(const Tree& tree, const Trace& trace, const Vocabulary& vocabulary
 // The same for one document of such a load.
 void lintDocument(const Tree& tree, const DocumentTrace& document, const Vocabulary& vocabulary,
                   Problems& problems);
+// What the readers looked for in one document, added to `vocabulary`
+// (Vocabulary::add of a trace adds this for each of its documents).
+void addDocument(Vocabulary& vocabulary, const DocumentTrace& document);
 
 } // namespace lcdcfg

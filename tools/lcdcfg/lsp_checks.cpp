@@ -42,7 +42,7 @@ void TreeChecks::run(const QString& root) {
     m_rules.clear();
     for (PartRun& run : m_parts) {
         run.vocabulary.reset();
-        run.lint.clear();
+        run.readings.clear();
     }
     QVector<Part> all;
     for (int i = 0; i < kPartCount; ++i)
@@ -104,27 +104,27 @@ template <class F> void forEachReading(const Trace& trace, F&& f) {
 
 } // namespace
 
-// Lints the documents of a part loaded again: those whose text changed,
-// those the readers read otherwise than in the `previous` load, or `all`;
-// the others keep their warnings.
-void TreeChecks::lint(PartRun& run, const Trace* previous, const QSet<QString>& changed, bool all) {
+// The readings of a part loaded again: a document whose text did not
+// change and that its readers read as in the `previous` load keeps its
+// reading; what the part's readers looked for is made from the readings.
+void TreeChecks::read(PartRun& run, const Trace* previous, const QSet<QString>& changed) {
     QHash<QString, const DocumentTrace*> before;
-    if (previous && !all)
+    if (previous)
         forEachReading(*previous,
                        [&](const DocumentTrace& d, const QString& key) { before.insert(key, &d); });
-    QHash<QString, QVector<Problem>> lint;
+    QHash<QString, Reading> readings;
+    run.vocabulary = std::make_unique<Vocabulary>();
     forEachReading(*run.trace, [&](const DocumentTrace& d, const QString& key) {
         const DocumentTrace* was = before.value(key);
-        const auto kept = run.lint.constFind(key);
-        if (was && kept != run.lint.cend() && !changed.contains(d.path) && sameReads(d, *was)) {
-            lint.insert(key, *kept);
-            return;
-        }
-        Problems problems;
-        lintDocument(*m_tree, d, *m_vocabulary, problems);
-        lint.insert(key, problems.list());
+        const auto kept = run.readings.constFind(key);
+        Reading& reading = readings[key];
+        if (was && kept != run.readings.cend() && !changed.contains(d.path) && sameReads(d, *was))
+            reading = *kept;
+        else
+            addDocument(reading.vocabulary, d);
+        run.vocabulary->add(reading.vocabulary);
     });
-    run.lint = std::move(lint);
+    run.readings = std::move(readings);
 }
 
 // Loads `parts` again (table order), keeps the other parts' loads, and lists
@@ -134,11 +134,12 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
     m_problems = Problems();
     m_retired.push_back(std::move(m_trace));
     bool relintAll = !m_vocabulary || !m_keep;
-    const Trace* previous[kPartCount] = {};
     unsigned reloaded = 0;
+    QSet<QString> texts; // the files whose text changed, absolute
+    for (const QString& relative : changed)
+        texts.insert(m_tree->root() + QLatin1Char('/') + relative);
     for (Part part : parts) {
         PartRun& run = m_parts[int(part)];
-        previous[int(part)] = run.trace.get();
         reloaded |= 1u << int(part);
         m_retired.push_back(std::move(run.trace));
         run.trace = std::make_unique<Trace>();
@@ -146,10 +147,9 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
             m_problems.add({QString(), 0, 0, Severity::Error, QStringLiteral("plugin"), m_tree->error()});
             return;
         }
-        auto vocabulary = std::make_unique<Vocabulary>();
-        vocabulary->add(*run.trace);
-        relintAll = relintAll || !run.vocabulary || !(*run.vocabulary == *vocabulary);
-        run.vocabulary = std::move(vocabulary);
+        std::unique_ptr<Vocabulary> before = std::move(run.vocabulary);
+        read(run, m_keep ? m_retired.back().get() : nullptr, texts);
+        relintAll = relintAll || !before || !(*before == *run.vocabulary);
     }
     m_trace = std::make_unique<Trace>();
     for (const PartRun& run : m_parts)
@@ -159,9 +159,6 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
         for (const PartRun& run : m_parts)
             m_vocabulary->add(*run.vocabulary);
     }
-    QSet<QString> texts; // the files whose text changed, absolute
-    for (const QString& relative : changed)
-        texts.insert(m_tree->root() + QLatin1Char('/') + relative);
     RuleRun rules(*m_tree, *m_trace, m_problems);
     checkLoads(*m_tree, rules, m_problems);
     if (m_keep) {
@@ -173,14 +170,18 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
         runRules(rules);
     }
     m_problems.sort();
-    for (int i = 0; i < kPartCount; ++i) {
-        PartRun& run = m_parts[i];
-        if (relintAll || (reloaded & (1u << i))) lint(run, previous[i], texts, relintAll);
-        forEachReading(*run.trace, [&](const DocumentTrace&, const QString& key) {
-            for (const Problem& p : run.lint.value(key))
+    for (PartRun& run : m_parts) // every document, when what the readers look for changed
+        forEachReading(*run.trace, [&](const DocumentTrace& d, const QString& key) {
+            Reading& reading = run.readings[key];
+            if (relintAll || !reading.linted) {
+                Problems problems;
+                lintDocument(*m_tree, d, *m_vocabulary, problems);
+                reading.lint = problems.list();
+                reading.linted = true;
+            }
+            for (const Problem& p : reading.lint)
                 m_problems.add(p);
         });
-    }
     m_problems.sort();
     dropEchoes();
     if (!m_workspaceFormats) addFormats(m_formats, *m_tree, *m_trace); // what the workspace adds

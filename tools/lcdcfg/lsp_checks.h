@@ -56,17 +56,23 @@ public:
     QString loaded(const QString& relative, int index, const QString& attribute) const;
 
 private:
+    // One reading of a document: what its readers looked for, lint's
+    // warnings on it (once linted).
+    struct Reading {
+        Vocabulary vocabulary;
+        bool linted = false;
+        QVector<Problem> lint;
+    };
     // What one part's load left: its trace, what its readers looked for and
-    // lint's warnings on its documents.
+    // each document's reading ("PATH\nN": the N-th reading of PATH).
     struct PartRun {
         std::unique_ptr<Trace> trace;
         std::unique_ptr<Vocabulary> vocabulary;
-        // lint's warnings per document read ("PATH\nN": its N-th reading)
-        QHash<QString, QVector<Problem>> lint;
+        QHash<QString, Reading> readings;
     };
 
     void load(const QVector<Part>& parts, const QStringList& changed = {});
-    void lint(PartRun& run, const Trace* previous, const QSet<QString>& changed, bool all);
+    void read(PartRun& run, const Trace* previous, const QSet<QString>& changed);
     void dropEchoes();
 
     const kvchost::PluginHost& m_host;

@@ -1,6 +1,7 @@
 // Lint's vocabulary: what the readers know of each element path, and the
 // near names of a misspelling.
 
+#include "tools/lcdcfg/check.h"
 #include "tools/lcdcfg/trace.h"
 
 #include <algorithm>
@@ -47,28 +48,31 @@ void addOnce(QStringList& list, const QString& name) {
 }
 } // namespace
 
-void Vocabulary::add(const Trace& trace) {
-    for (const DocumentTrace& d : trace.documents()) {
-        // document order, each element's path made from its parent's
-        QVector<QPair<QDomElement, QString>> pending{{d.document.documentElement(), QString()}};
-        while (!pending.isEmpty()) {
-            const QPair<QDomElement, QString> next = pending.takeLast();
-            const QDomElement& e = next.first;
-            const QString& parent = next.second;
-            if (e.isNull()) continue;
-            const QString tag = e.tagName();
-            const QString path = parent.isEmpty() ? tag : parent + QLatin1Char('/') + tag;
-            if (const ElementTrace* t = d.at(e)) {
-                if (t->found && !parent.isEmpty()) addOnce(children[parent], tag);
-                for (const QString& name : t->missing)
-                    addOnce(children[path], name);
-                for (const AttributeTrace& a : t->reads)
-                    addOnce(attributes[path], a.name);
-            }
-            for (QDomElement c = e.lastChildElement(); !c.isNull(); c = c.previousSiblingElement())
-                pending.push_back({c, path});
+void addDocument(Vocabulary& vocabulary, const DocumentTrace& d) {
+    // document order, each element's path made from its parent's
+    QVector<QPair<QDomElement, QString>> pending{{d.document.documentElement(), QString()}};
+    while (!pending.isEmpty()) {
+        const QPair<QDomElement, QString> next = pending.takeLast();
+        const QDomElement& e = next.first;
+        const QString& parent = next.second;
+        if (e.isNull()) continue;
+        const QString tag = e.tagName();
+        const QString path = parent.isEmpty() ? tag : parent + QLatin1Char('/') + tag;
+        if (const ElementTrace* t = d.at(e)) {
+            if (t->found && !parent.isEmpty()) addOnce(vocabulary.children[parent], tag);
+            for (const QString& name : t->missing)
+                addOnce(vocabulary.children[path], name);
+            for (const AttributeTrace& a : t->reads)
+                addOnce(vocabulary.attributes[path], a.name);
         }
+        for (QDomElement c = e.lastChildElement(); !c.isNull(); c = c.previousSiblingElement())
+            pending.push_back({c, path});
     }
+}
+
+void Vocabulary::add(const Trace& trace) {
+    for (const DocumentTrace& d : trace.documents())
+        addDocument(*this, d);
 }
 
 void Vocabulary::add(const Vocabulary& other) {
