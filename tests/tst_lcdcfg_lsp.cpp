@@ -117,6 +117,7 @@ private Q_SLOTS:
                 const QString text = message["text"].toString();
                 const QByteArray bytes = message["latin1"].toBool() ? text.toLatin1() : text.toUtf8();
                 QFile file(root + "/" + message["write"].toString());
+                QDir().mkpath(QFileInfo(file).absolutePath());
                 QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
                         file.write(bytes) == bytes.size());
                 before.insert(message["write"].toString(),

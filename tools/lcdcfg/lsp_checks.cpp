@@ -2,6 +2,9 @@
 
 #include "tools/lcdcfg/lsp_checks.h"
 
+#include <QtCore/QDirIterator>
+#include <QtCore/QFileInfo>
+
 #include <algorithm>
 
 #include "tools/lcdcfg/check.h"
@@ -44,6 +47,10 @@ void TreeChecks::run(const QString& root) {
         run.vocabulary.reset();
         run.readings.clear();
     }
+    m_files.clear();
+    for (QDirIterator it(m_tree->root(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+         it.hasNext();)
+        m_files.insert(m_tree->relative(it.next()));
     QVector<Part> all;
     for (int i = 0; i < kPartCount; ++i)
         all << static_cast<Part>(i);
@@ -52,6 +59,15 @@ void TreeChecks::run(const QString& root) {
 
 void TreeChecks::update(const QStringList& changed) {
     if (!m_tree || !m_trace) return run(m_tree ? m_tree->root() : QString());
+    m_listingChanged = false;
+    for (const QString& relative : changed) { // a file added or removed
+        const bool there = QFileInfo::exists(m_tree->root() + QLatin1Char('/') + relative);
+        m_listingChanged = m_listingChanged || there != m_files.contains(relative);
+        if (there)
+            m_files.insert(relative);
+        else
+            m_files.remove(relative);
+    }
     QVector<Part> parts;
     for (const QString& relative : changed) {
         const QString path = m_tree->root() + QLatin1Char('/') + relative;
@@ -138,18 +154,22 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
     QSet<QString> texts; // the files whose text changed, absolute
     for (const QString& relative : changed)
         texts.insert(m_tree->root() + QLatin1Char('/') + relative);
+    if (m_listingChanged) reloaded |= kListing;
     for (Part part : parts) {
         PartRun& run = m_parts[int(part)];
         reloaded |= 1u << int(part);
+        const PartLoad* before = m_tree->loadOf(part);
+        const QStringList opened = before ? before->documents : QStringList();
         m_retired.push_back(std::move(run.trace));
         run.trace = std::make_unique<Trace>();
         if (!m_tree->load({part}, run.trace.get())) {
             m_problems.add({QString(), 0, 0, Severity::Error, QStringLiteral("plugin"), m_tree->error()});
             return;
         }
-        std::unique_ptr<Vocabulary> before = std::move(run.vocabulary);
+        if (m_tree->loadOf(part)->documents != opened) reloaded |= kListing;
+        std::unique_ptr<Vocabulary> vocabulary = std::move(run.vocabulary);
         read(run, m_keep ? m_retired.back().get() : nullptr, texts);
-        relintAll = relintAll || !before || !(*before == *run.vocabulary);
+        relintAll = relintAll || !vocabulary || !(*vocabulary == *run.vocabulary);
     }
     m_trace = std::make_unique<Trace>();
     for (const PartRun& run : m_parts)

@@ -85,6 +85,8 @@ private:
     PartRun m_parts[kPartCount];
     std::vector<std::unique_ptr<Trace>> m_retired; // replaced, not freed yet
     bool m_keep = true;
+    QSet<QString> m_files; // the tree's files, relative
+    bool m_listingChanged = false;
     RuleResults m_rules;
     Problems m_problems;
 };

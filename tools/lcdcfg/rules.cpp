@@ -425,7 +425,7 @@ constexpr unsigned bit(Part part) {
 }
 constexpr unsigned kDevices = bit(Part::Devices), kCards = bit(Part::Cards),
                    kConnectors = bit(Part::Connectors), kMenu = bit(Part::Menu), kHdr = bit(Part::Hdr),
-                   kKeys = bit(Part::Keys), kPrintKeys = bit(Part::PrintKeys), kAll = (1u << kPartCount) - 1;
+                   kKeys = bit(Part::Keys), kPrintKeys = bit(Part::PrintKeys);
 
 const Rule kRules[] = {
     {"card-unknown", Severity::Error, cardUnknown, kDevices | kCards},
@@ -437,7 +437,7 @@ const Rule kRules[] = {
     {"menu-key-without-item", Severity::Error, menuKeyWithoutItem, kMenu},
     {"menu-key-duplicate", Severity::Error, menuKeyDuplicate, kMenu},
     {"hdr-value-without-text", Severity::Error, hdrValueWithoutText, kHdr},
-    {"model-duplicate", Severity::Error, modelDuplicate, kDevices},
+    {"model-duplicate", Severity::Error, modelDuplicate, kListing},
     {"card-duplicate", Severity::Error, cardDuplicate, kCards},
     {"current-device-missing", Severity::Error, currentDeviceMissing, kDevices},
     {"name-missing-en", Severity::Error, nameMissingEn, kDevices | kCards},
@@ -446,17 +446,17 @@ const Rule kRules[] = {
     {"attribute-misspelt", Severity::Error, attributeMisspelt, kEachPart},
     {"file-unread", Severity::Error, fileUnread, kEachPart},
     {"number-invalid", Severity::Error, numberInvalid, kEachPart},
-    {"model-dir-empty", Severity::Warning, modelDirEmpty, kDevices},
+    {"model-dir-empty", Severity::Warning, modelDirEmpty, kListing},
     {"range-*", Severity::Error, ranges, kEachPart},
     {"field-overflow", Severity::Error, fieldOverflow, kDevices | kCards},
     {"slot-duplicate", Severity::Error, slotDuplicate, kDevices},
     {"screen-type-duplicate", Severity::Error, screenTypeDuplicate, kDevices},
     {"hdr-value-duplicate", Severity::Error, hdrValueDuplicate, kHdr},
     {"name-missing-*", Severity::Error, shownNameMissing, kDevices | kMenu},
-    {"model-dir-unnamed", Severity::Error, modelDirUnnamed, kDevices},
-    {"model-file-missing", Severity::Error, modelFileMissing, kDevices},
-    {"file-misplaced", Severity::Error, fileMisplaced, kAll},
-    {"file-kind-ambiguous", Severity::Error, fileKindAmbiguous, kDevices},
+    {"model-dir-unnamed", Severity::Error, modelDirUnnamed, kListing},
+    {"model-file-missing", Severity::Error, modelFileMissing, kListing},
+    {"file-misplaced", Severity::Error, fileMisplaced, kListing},
+    {"file-kind-ambiguous", Severity::Error, fileKindAmbiguous, kListing},
     {"encoding-mismatch", Severity::Error, encodingMismatch, kEachPart},
     {"text-undecodable", Severity::Error, textUndecodable, kEachPart},
     {"entity-unknown", Severity::Error, entityUnknown, kEachPart},
@@ -563,7 +563,7 @@ void RuleResults::clear() {
 void RuleResults::run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded,
                       const QSet<QString>& changed) {
     const QuietLibrary quiet;
-    if (!m_kept->any) reloaded = kAll;
+    if (!m_kept->any) reloaded = ~0u;
     m_kept->any = true;
     for (const QString& path : changed)
         m_kept->bytes.remove(path);

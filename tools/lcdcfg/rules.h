@@ -96,6 +96,8 @@ struct Rule {
     unsigned reads;
 };
 constexpr unsigned kEachPart = 0;
+// The tree's file names and the files the loads opened (for `reads`).
+constexpr unsigned kListing = 1u << kPartCount;
 
 // Runs every rule in table order (the library's messages are muted meanwhile).
 void runRules(RuleRun& run);
@@ -111,7 +113,8 @@ public:
     ~RuleResults();
     // `run` is over the parts' traces joined; `parts` holds each part's own
     // trace (table order); `reloaded` the parts loaded again since the last
-    // call (one bit each).
+    // call (one bit each), with kListing when a file was added or removed or
+    // a load opened other files.
     // `changed`: the files (absolute) whose bytes changed since.
     void run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded,
              const QSet<QString>& changed);

@@ -39,8 +39,12 @@ const AttributeTrace* stated(const ElementTrace& e, const char* name) {
 // One pass over every element read: bounds, values and sizes, each finding with its own code.
 void ranges(RuleRun& run) {
     QSet<QString> cells; // a layout cell's area is judged with its layout (layout-empty-cell)
-    for (const Place& cell : run.trace.cells())
-        cells.insert(QStringLiteral("%1:%2:%3").arg(cell.document).arg(cell.line).arg(cell.column));
+    auto isCell = [&](const Site* at) {
+        if (cells.isEmpty()) // made when first asked: sizes without area are rare
+            for (const Place& cell : run.trace.cells())
+                cells.insert(QStringLiteral("%1:%2:%3").arg(cell.document).arg(cell.line).arg(cell.column));
+        return cells.contains(QStringLiteral("%1:%2:%3").arg(at->document).arg(at->line).arg(at->column));
+    };
     auto report = [&](const Site* at, const char* code, const QString& text) {
         run.report(at, QString(), text, QLatin1String(code), Severity::Error);
     };
@@ -68,7 +72,7 @@ void ranges(RuleRun& run) {
             (width->stored.toInt() > 0 && height->stored.toInt() > 0))
             return;
         const Site* at = site();
-        if (at && !cells.contains(QStringLiteral("%1:%2:%3").arg(at->document).arg(at->line).arg(at->column)))
+        if (at && !isCell(at))
             report(at, "range-size-empty",
                    QStringLiteral("a size of %1 x %2 has no area").arg(width->stored, height->stored));
     });
