@@ -91,14 +91,14 @@ const FileBytes& bytesOf(RuleRun& run, const QString& path) {
     for (auto m = entity.globalMatch(text); m.hasNext();) {
         const QRegularExpressionMatch hit = m.next();
         if (known.contains(hit.captured(1))) continue;
-        const int start = hit.capturedStart();
+        const int start = int(hit.capturedStart());
         // the parser keeps the text up to the entity: of the element's text, or of the attribute
-        const int from =
-            std::max(text.lastIndexOf(QLatin1Char('>'), start), text.lastIndexOf(QLatin1Char('"'), start)) +
-            1;
-        facts.unknownEntities.push_back({text.left(start).count(QLatin1Char('\n')) + 1,
-                                         start - text.lastIndexOf(QLatin1Char('\n'), start), hit.captured(0),
-                                         text.mid(from, start - from)});
+        const int from = int(std::max(text.lastIndexOf(QLatin1Char('>'), start),
+                                      text.lastIndexOf(QLatin1Char('"'), start))) +
+                         1;
+        const int line = int(text.left(start).count(QLatin1Char('\n'))) + 1;
+        const int column = start - int(text.lastIndexOf(QLatin1Char('\n'), start));
+        facts.unknownEntities.push_back({line, column, hit.captured(0), text.mid(from, start - from)});
     }
     return *run.bytes->insert(path, facts);
 }
