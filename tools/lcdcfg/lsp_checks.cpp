@@ -122,25 +122,38 @@ template <class F> void forEachReading(const Trace& trace, F&& f) {
 
 // The readings of a part loaded again: a document whose text did not
 // change and that its readers read as in the `previous` load keeps its
-// reading; what the part's readers looked for is made from the readings.
-void TreeChecks::read(PartRun& run, const Trace* previous, const QSet<QString>& changed) {
+// reading; what the part's readers looked for is made again from the
+// readings unless each is as before. Whether it is what it was.
+bool TreeChecks::read(PartRun& run, const Trace* previous, const QSet<QString>& changed) {
     QHash<QString, const DocumentTrace*> before;
+    QStringList keys, keysBefore; // the readings in order
     if (previous)
-        forEachReading(*previous,
-                       [&](const DocumentTrace& d, const QString& key) { before.insert(key, &d); });
+        forEachReading(*previous, [&](const DocumentTrace& d, const QString& key) {
+            before.insert(key, &d);
+            keysBefore << key;
+        });
+    bool same = previous && run.vocabulary;
     QHash<QString, Reading> readings;
-    run.vocabulary = std::make_unique<Vocabulary>();
     forEachReading(*run.trace, [&](const DocumentTrace& d, const QString& key) {
+        keys << key;
         const DocumentTrace* was = before.value(key);
         const auto kept = run.readings.constFind(key);
         Reading& reading = readings[key];
-        if (was && kept != run.readings.cend() && !changed.contains(d.path) && sameReads(d, *was))
+        if (was && kept != run.readings.cend() && !changed.contains(d.path) && sameReads(d, *was)) {
             reading = *kept;
-        else
-            addDocument(reading.vocabulary, d);
-        run.vocabulary->add(reading.vocabulary);
+            return;
+        }
+        addDocument(reading.vocabulary, d);
+        same = same && kept != run.readings.cend() && kept->vocabulary == reading.vocabulary;
     });
     run.readings = std::move(readings);
+    if (same && keys == keysBefore) return true;
+    auto vocabulary = std::make_unique<Vocabulary>();
+    for (const QString& key : qAsConst(keys))
+        vocabulary->add(run.readings[key].vocabulary);
+    same = run.vocabulary && *run.vocabulary == *vocabulary;
+    run.vocabulary = std::move(vocabulary);
+    return same;
 }
 
 // Loads `parts` again (table order), keeps the other parts' loads, and lists
@@ -167,9 +180,7 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
             return;
         }
         if (m_tree->loadOf(part)->documents != opened) reloaded |= kListing;
-        std::unique_ptr<Vocabulary> vocabulary = std::move(run.vocabulary);
-        read(run, m_keep ? m_retired.back().get() : nullptr, texts);
-        relintAll = relintAll || !vocabulary || !(*vocabulary == *run.vocabulary);
+        if (!read(run, m_keep ? m_retired.back().get() : nullptr, texts)) relintAll = true;
     }
     m_trace = std::make_unique<Trace>();
     for (const PartRun& run : m_parts)

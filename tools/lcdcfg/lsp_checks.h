@@ -72,7 +72,7 @@ private:
     };
 
     void load(const QVector<Part>& parts, const QStringList& changed = {});
-    void read(PartRun& run, const Trace* previous, const QSet<QString>& changed);
+    bool read(PartRun& run, const Trace* previous, const QSet<QString>& changed);
     void dropEchoes();
 
     const kvchost::PluginHost& m_host;
