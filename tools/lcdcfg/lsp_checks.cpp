@@ -143,6 +143,7 @@ bool TreeChecks::read(PartRun& run, const Trace* previous, const QSet<QString>& 
             reading = *kept;
             return;
         }
+        m_fresh.insert(d.path);
         addDocument(reading.vocabulary, d);
         same = same && kept != run.readings.cend() && kept->vocabulary == reading.vocabulary;
     });
@@ -163,6 +164,7 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
     m_problems = Problems();
     m_retired.push_back(std::move(m_trace));
     bool relintAll = !m_vocabulary || !m_keep;
+    m_fresh.clear();
     unsigned reloaded = 0;
     QSet<QString> texts; // the files whose text changed, absolute
     for (const QString& relative : changed)
@@ -196,7 +198,7 @@ void TreeChecks::load(const QVector<Part>& parts, const QStringList& changed) {
         const Trace* traces[kPartCount];
         for (int i = 0; i < kPartCount; ++i)
             traces[i] = m_parts[i].trace.get();
-        m_rules.run(rules, traces, reloaded, texts);
+        m_rules.run(rules, traces, reloaded, texts, m_fresh);
     } else {
         runRules(rules);
     }

@@ -86,6 +86,7 @@ private:
     std::vector<std::unique_ptr<Trace>> m_retired; // replaced, not freed yet
     bool m_keep = true;
     QSet<QString> m_files; // the tree's files, relative
+    QSet<QString> m_fresh; // the documents the last load read anew, absolute
     bool m_listingChanged = false;
     RuleResults m_rules;
     Problems m_problems;

@@ -447,7 +447,7 @@ const Rule kRules[] = {
     {"file-unread", Severity::Error, fileUnread, kEachPart},
     {"number-invalid", Severity::Error, numberInvalid, kEachPart},
     {"model-dir-empty", Severity::Warning, modelDirEmpty, kListing},
-    {"range-*", Severity::Error, ranges, kEachPart},
+    {"range-*", Severity::Error, ranges, kEachDocument},
     {"field-overflow", Severity::Error, fieldOverflow, kDevices | kCards},
     {"slot-duplicate", Severity::Error, slotDuplicate, kDevices},
     {"screen-type-duplicate", Severity::Error, screenTypeDuplicate, kDevices},
@@ -475,7 +475,7 @@ const Rule kRules[] = {
     {"printkey-position-unknown", Severity::Error, printkeyPositionUnknown, kPrintKeys | kCards},
     {"layer-type-unknown", Severity::Error, layerTypeUnknown, kDevices},
     {"association-unknown", Severity::Error, associationUnknown, kCards},
-    {"range-value-unlisted", Severity::Error, optionsUnlisted, kEachPart},
+    {"range-value-unlisted", Severity::Error, optionsUnlisted, kEachDocument},
 };
 
 } // namespace
@@ -560,31 +560,71 @@ void RuleResults::clear() {
     m_kept = std::make_unique<Kept>();
 }
 
+namespace {
+
+// The findings of `now` on the documents it judged, those of `before` on
+// the others, document by document in `trace`'s order; false when a finding
+// is not on a document of `trace`.
+bool merged(const RuleRun& run, const Trace& trace, const QVector<Problem>& before,
+            const QVector<Problem>& now, QVector<Problem>& found) {
+    QHash<QString, QVector<Problem>> was, is; // by file
+    for (const Problem& p : before)
+        was[p.file] << p;
+    for (const Problem& p : now)
+        is[p.file] << p;
+    QVector<Problem> all;
+    QSet<QString> files;
+    for (const DocumentTrace& d : trace.documents()) {
+        const QString file = run.tree.relative(d.path);
+        if (files.contains(file)) continue;
+        files.insert(file);
+        all += run.judges(d.path) ? is.value(file) : was.value(file);
+    }
+    for (const QString& file : was.keys() + is.keys())
+        if (!files.contains(file)) return false;
+    found = all;
+    return true;
+}
+
+} // namespace
+
 void RuleResults::run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded,
-                      const QSet<QString>& changed) {
+                      const QSet<QString>& changed, const QSet<QString>& fresh) {
     const QuietLibrary quiet;
-    if (!m_kept->any) reloaded = ~0u;
+    const bool first = !m_kept->any;
+    if (first) reloaded = ~0u;
     m_kept->any = true;
     for (const QString& path : changed)
         m_kept->bytes.remove(path);
-    auto again = [&](const Rule& rule, const Trace& trace, unsigned covered, QVector<Problem>& found) {
-        Problems problems;
-        RuleRun one(run.tree, trace, problems);
-        one.parts = covered;
-        one.lostCards = run.lostCards;
-        one.lostConnectorTypes = run.lostConnectorTypes;
-        one.rule = &rule;
-        one.bytes = &m_kept->bytes;
-        rule.run(one);
-        found = problems.list();
+    auto again = [&](const Rule& rule, const Trace& trace, unsigned covered, QVector<Problem>& found,
+                     const QSet<QString>* judged = nullptr) {
+        for (;;) {
+            Problems problems;
+            RuleRun one(run.tree, trace, problems);
+            one.parts = covered;
+            one.lostCards = run.lostCards;
+            one.lostConnectorTypes = run.lostConnectorTypes;
+            one.rule = &rule;
+            one.bytes = &m_kept->bytes;
+            one.judged = judged;
+            rule.run(one);
+            if (judged && merged(one, trace, found, problems.list(), found)) return;
+            if (!judged) {
+                found = problems.list();
+                return;
+            }
+            judged = nullptr; // a finding off the part's documents: every document is judged
+        }
     };
     for (size_t r = 0; r < std::size(kRules); ++r) {
         const Rule& rule = kRules[r];
+        const bool eachPart = rule.reads == kEachPart || rule.reads == kEachDocument;
         for (int p = 0; p < kPartCount; ++p) {
             QVector<Problem>& found = m_kept->found[r][p];
-            if (rule.reads == kEachPart && (reloaded & bit(Part(p))))
-                again(rule, *parts[p], bit(Part(p)), found);
-            else if (rule.reads != kEachPart && p == 0 && (reloaded & rule.reads))
+            if (eachPart && (reloaded & bit(Part(p))))
+                again(rule, *parts[p], bit(Part(p)), found,
+                      rule.reads == kEachDocument && !first ? &fresh : nullptr);
+            else if (!eachPart && p == 0 && (reloaded & rule.reads))
                 again(rule, run.trace, run.parts, found);
             for (const Problem& problem : found)
                 run.m_problems.add(problem);

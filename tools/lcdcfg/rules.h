@@ -49,6 +49,9 @@ public:
     // that go through the loads look at those alone.
     unsigned parts = ~0u;
     bool covers(Part part) const { return parts & (1u << int(part)); }
+    // The documents (absolute) a rule of kEachDocument judges; every one when null.
+    const QSet<QString>* judged = nullptr;
+    bool judges(const QString& document) const { return !judged || judged->contains(document); }
     // Ids the host loses to a bad file (reported once as records-lost): a
     // reference to one of them is not reported again.
     QSet<int> lostCards;
@@ -98,6 +101,9 @@ struct Rule {
 constexpr unsigned kEachPart = 0;
 // The tree's file names and the files the loads opened (for `reads`).
 constexpr unsigned kListing = 1u << kPartCount;
+// Like kEachPart, and its findings on a document depend on that document's
+// reading alone: it may judge only the documents read anew (RuleRun::judged).
+constexpr unsigned kEachDocument = 1u << (kPartCount + 1);
 
 // Runs every rule in table order (the library's messages are muted meanwhile).
 void runRules(RuleRun& run);
@@ -115,9 +121,11 @@ public:
     // trace (table order); `reloaded` the parts loaded again since the last
     // call (one bit each), with kListing when a file was added or removed or
     // a load opened other files.
-    // `changed`: the files (absolute) whose bytes changed since.
+    // `changed`: the files (absolute) whose bytes changed since; `fresh`: the
+    // documents (absolute) of the parts loaded again that were not read as
+    // in the previous load, or whose text changed.
     void run(RuleRun& run, const Trace* const (&parts)[kPartCount], unsigned reloaded,
-             const QSet<QString>& changed);
+             const QSet<QString>& changed, const QSet<QString>& fresh);
     void clear();
 
 private:

@@ -21,7 +21,8 @@ namespace {
 // `site()` gives its site (looked up only for a finding).
 template <class F> void forEachRead(const RuleRun& run, F&& f) {
     for (const DocumentTrace& document : run.trace.documents())
-        for (auto it = document.elements.cbegin(); it != document.elements.cend(); ++it)
+        for (auto it = document.elements.cbegin();
+             run.judges(document.path) && it != document.elements.cend(); ++it)
             if (!it->reads.isEmpty())
                 f(*it, [&] { return run.trace.siteAt(document.path, it.key().first, it.key().second); });
 }
@@ -84,6 +85,7 @@ void optionsUnlisted(RuleRun& run) {
     QVector<const Site*> settings;                    // in reading order
     QHash<const Site*, QVector<const Site*>> offered; // a document read twice offers them once
     for (const auto& option : run.trace.options()) {
+        if (!run.judges(option.second->document)) continue;
         QVector<const Site*>& here = offered[option.second];
         if (here.isEmpty()) settings << option.second;
         if (!here.contains(option.first)) here << option.first;
