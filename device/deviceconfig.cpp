@@ -58,10 +58,10 @@ void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QSt
         files << entries.next();
     for (const QString& name : facts::undecodableNames(dir.path()))
         files << dir.filePath(name);
+    QDomDocument doc; // one for every file: it is let go as the next file is parsed
     for (const QString& file : files) {
         const QString name = QFileInfo(file).fileName();
         if (!name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive)) continue;
-        QDomDocument doc;
         if (!parseDocumentFile(file, loader, doc, error)) continue;
 
         const unsigned kind = facts::fileKind(name);
