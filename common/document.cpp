@@ -681,7 +681,7 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
         ok = parse(data, loader, doc, error, line, column);
         break;
     }
-    if (!ok) doc = QDomDocument(); // nor the previous file's document
+    if (!ok) doc = QDomDocument(); // a failed file leaves no document, not even the previous one
     reportParsed(path, ok, error, line, column, doc, failure);
     if (!ok && read == ReadResult::Ok) reportUnclosed(data, error);
     return ok;
