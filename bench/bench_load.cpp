@@ -231,8 +231,8 @@ bool parseFloor(const QStringList& list) {
 // parse, no walk): what the load costs before its walk.
 bool parseOwn(const QStringList& list) {
     const Loader loader{kDeviceFile, nullptr, LCD_LOG_SITE};
+    QDomDocument doc; // one for every file, as the directory scans pass it
     for (const QString& file : list) {
-        QDomDocument doc;
         QString error;
         if (!parseDocumentFile(file, loader, doc, error)) return false;
     }
