@@ -6,6 +6,7 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
+#include <cstring>
 
 namespace lcdcfg {
 
@@ -314,12 +315,18 @@ void Trace::elementMissing(const QDomElement& parent, const char* name) {
     m_missing.push_back(missing);
 }
 
-// The library names attributes and defaults with literals: one text each.
+// The library names attributes and defaults with literals: one text each,
+// found by the literal's address (its bytes checked, in case a buffer is
+// reused for another name).
 const QString& Trace::textOf(const char* literal) {
-    auto it = m_literals.find(literal);
-    if (it == m_literals.end() || *it != QLatin1String(literal)) // a reused buffer is read again
-        it = m_literals.insert(literal, QString::fromUtf8(literal));
-    return *it;
+    static const QString none;
+    if (!literal) return none;
+    const int i = m_literalIndex.findOrInsert({literal}, int(m_literals.size()));
+    if (i == int(m_literals.size())) m_literals.push_back({QByteArray(literal), QString::fromUtf8(literal)});
+    Literal& known = m_literals[std::size_t(i)];
+    if (std::strcmp(known.bytes.constData(), literal) != 0) // a reused buffer is read again
+        known = {QByteArray(literal), QString::fromUtf8(literal)};
+    return known.text;
 }
 
 // Texts read are kept once each, as copies of their own: a text shared with

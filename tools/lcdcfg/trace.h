@@ -17,6 +17,7 @@
 #include <QtCore/QVector>
 #include <QtXml/QDomDocument>
 
+#include <deque>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -337,6 +338,16 @@ private:
                            (quint64(quint32(kind)) << 32 | quint32(key)) * 0x9E3779B97F4A7C15ull);
         }
     };
+    // A literal the library named something with, by its address.
+    struct LiteralKey {
+        const char* literal;
+        bool operator==(const LiteralKey& o) const { return literal == o.literal; }
+        quint64 hash() const { return mixBits(quint64(quintptr(literal))); }
+    };
+    struct Literal {
+        QByteArray bytes;
+        QString text;
+    };
     // A record being read: its place, its kind and its site (-1 for a model).
     struct Open {
         int place;
@@ -385,12 +396,13 @@ private:
     // block (moved to the end when a read of it follows another element's).
     std::vector<std::vector<AttributeTrace>> m_reads;
 
-    QVector<int> m_sites;                   // entries that are sites, in reading order
-    QHash<QString, int> m_tagNumbers;       // tag -> its number
-    QVector<QVector<int>> m_tagged;         // per tag number, its sites in reading order
-    QVector<QString> m_tags;                // per tag number, the tag
-    QHash<const char*, QString> m_literals; // textOf()
-    QSet<QString> m_texts;                  // interned()
+    QVector<int> m_sites;                 // entries that are sites, in reading order
+    QHash<QString, int> m_tagNumbers;     // tag -> its number
+    QVector<QVector<int>> m_tagged;       // per tag number, its sites in reading order
+    QVector<QString> m_tags;              // per tag number, the tag
+    FlatIndex<LiteralKey> m_literalIndex; // textOf()
+    std::deque<Literal> m_literals;       // (its texts do not move)
+    QSet<QString> m_texts;                // interned()
 
     FlatIndex<PlaceKey> m_places;  // a record's place -> its number
     QVector<PlaceKey> m_placeKeys; // per place number
