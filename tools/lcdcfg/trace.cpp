@@ -176,6 +176,7 @@ void Trace::append(const Trace& other) {
         Entry& to = entry(at);
         to = from;
         to.trace.reads = AttributeReads();
+        to.readRoom = 0;
         for (const AttributeTrace& read : from.trace.reads)
             addRead(to, read);
         to.site.values.m_trace = this;
@@ -340,22 +341,30 @@ const QString& Trace::interned(const QString& text) {
     return *it;
 }
 
-// A read joins its element's run of reads, at the end of the last block; a
-// run that is not there any more moves there first.
+// A read joins its element's run of reads: in the run's room, else at the
+// end of the last block. A run that is not at the end any more (a read of
+// its element after another element's) moves there with room for as many
+// reads again, so that a walk that comes back to an element costs no more
+// per read.
 void Trace::addRead(Entry& at, const AttributeTrace& read) {
     AttributeReads& run = at.trace.reads;
+    if (run.m_size < at.readRoom) {
+        run.m_data[run.m_size++] = read;
+        return;
+    }
     std::vector<AttributeTrace>* block = m_reads.empty() ? nullptr : &m_reads.back();
     const bool room = block && block->size() < block->capacity();
     if (room && (run.m_size == 0 || run.m_data + run.m_size == block->data() + block->size())) {
         if (run.m_size == 0) run.m_data = block->data() + block->size();
         block->push_back(read);
-        ++run.m_size;
+        at.readRoom = ++run.m_size;
         return;
     }
     const int size = run.m_size + 1;
-    if (!block || int(block->capacity() - block->size()) < size) {
+    const int reserved = run.m_size == 0 ? 1 : 2 * size;
+    if (!block || int(block->capacity() - block->size()) < reserved) {
         m_reads.emplace_back();
-        m_reads.back().reserve(std::size_t(std::max(kReadBlock, 2 * size)));
+        m_reads.back().reserve(std::size_t(std::max(kReadBlock, reserved)));
         block = &m_reads.back();
     }
     const AttributeTrace* from = run.m_data; // within the capacity, no block moves
@@ -363,7 +372,9 @@ void Trace::addRead(Entry& at, const AttributeTrace& read) {
     for (int i = 0; i < run.m_size; ++i)
         block->push_back(from[i]);
     block->push_back(read);
+    block->resize(block->size() + std::size_t(reserved - size));
     run.m_size = size;
+    at.readRoom = reserved;
 }
 
 int Trace::siteOf(const QDomElement& element) {

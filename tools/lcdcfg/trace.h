@@ -53,7 +53,7 @@ public:
 
 private:
     friend class Trace;
-    const AttributeTrace* m_data = nullptr; // in the trace's store of reads
+    AttributeTrace* m_data = nullptr; // in the trace's store of reads
     int m_size = 0;
 };
 
@@ -311,6 +311,7 @@ private:
         ElementTrace trace; // its reads are the site's values too
         QString text;       // the text read, trimmed ("#text")
         int document = -1;  // its document's number (-1: a model)
+        int readRoom = 0;   // the reads its run has room for where it is
         bool isSite = false;
         bool isTrace = false;
         bool hasText = false;
