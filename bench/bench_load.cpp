@@ -20,7 +20,11 @@
 // reading and parsing of the same files and "walk" what the load costs
 // beyond it, both as fractions of the floor.
 //
-// Each figure is the median over `runs` (default 7) runs of the time per load.
+// Each figure is the median over `runs` (default 7) runs of the time per load,
+// in processor time of the measuring thread: the wall clock would also count
+// the time the thread waited while other work had the processors. "ran" is
+// the median share of the wall time the thread did run; well below 1, the
+// machine was busy and the figures are less sure (caches, frequency).
 // Diagnostics are discarded while measuring, so debug logging is not counted.
 
 #include "catalogue/connectorconfig.h"
@@ -50,6 +54,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <time.h>
 #include <vector>
 
 using namespace LCD::ConfigModel;
@@ -58,6 +63,30 @@ namespace {
 
 int g_runs = 7;
 QString g_config;
+
+// Milliseconds of the time this thread ran, and of the wall clock, since
+// start(): on a machine shared with other work, the wall clock also counts
+// the time the thread waited for a processor, which says nothing about the
+// code measured.
+class Stopwatch {
+public:
+    Stopwatch() { start(); }
+    void start() {
+        m_cpu = cpuNs();
+        m_wall.start();
+    }
+    double cpuMs() const { return (cpuNs() - m_cpu) / 1e6; }
+    double wallMs() const { return m_wall.nsecsElapsed() / 1e6; }
+
+private:
+    static qint64 cpuNs() {
+        timespec t;
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+        return qint64(t.tv_sec) * 1000000000 + t.tv_nsec;
+    }
+    qint64 m_cpu = 0;
+    QElapsedTimer m_wall;
+};
 
 void silence(QtMsgType, const QMessageLogContext&, const QString&) {}
 
@@ -79,8 +108,7 @@ QStringList files(const char* directory, const char* pattern) {
 double medianMs(int iterations, const std::function<bool()>& load) {
     std::vector<double> perLoad;
     for (int run = 0; run < g_runs; ++run) {
-        QElapsedTimer timer;
-        timer.start();
+        const Stopwatch watch;
         for (int i = 0; i < iterations; ++i) {
             if (!load()) {
                 std::fprintf(stderr, "a load failed; is %s the shipped configuration?\n",
@@ -88,7 +116,7 @@ double medianMs(int iterations, const std::function<bool()>& load) {
                 std::exit(1);
             }
         }
-        perLoad.push_back(timer.nsecsElapsed() / 1e6 / iterations);
+        perLoad.push_back(watch.cpuMs() / iterations);
     }
     std::nth_element(perLoad.begin(), perLoad.begin() + perLoad.size() / 2, perLoad.end());
     return perLoad[perLoad.size() / 2];
@@ -203,8 +231,8 @@ bool parseFloor(const QStringList& list) {
 // parse, no walk): what the load costs before its walk.
 bool parseOwn(const QStringList& list) {
     const Loader loader{kDeviceFile, nullptr, LCD_LOG_SITE};
+    QDomDocument doc; // one for every file, as the directory scans pass it
     for (const QString& file : list) {
-        QDomDocument doc;
         QString error;
         if (!parseDocumentFile(file, loader, doc, error)) return false;
     }
@@ -244,8 +272,8 @@ void benchScaled() {
     const int scales[] = {1, 10, 100};
     QTemporaryDir trees[std::size(scales)]; // kept for the growth below
 
-    std::printf("%-20s %5s %7s %11s %11s %7s %7s %7s\n", "component", "S", "files", "load ms", "floor ms",
-                "ratio", "parse", "walk");
+    std::printf("%-20s %5s %7s %11s %11s %7s %7s %7s %5s\n", "component", "S", "files", "load ms", "floor ms",
+                "ratio", "parse", "walk", "ran");
     for (size_t i = 0; i < std::size(scales); ++i) {
         const int scale = scales[i];
         const QTemporaryDir& dir = trees[i];
@@ -254,27 +282,28 @@ void benchScaled() {
         for (size_t c = 0; c < components.size(); ++c) {
             const Component& component = components[c];
             const QStringList list = component.files(dir.path());
-            std::vector<double> load, floor, ratio, parse, walk;
+            std::vector<double> load, floor, ratio, parse, walk, ran;
             component.load(dir.path());            // warm the file cache
             for (int run = 0; run < runs; ++run) { // interleaved: load, floor, load, floor, ...
-                QElapsedTimer timer;
-                timer.start();
+                Stopwatch watch;
                 std::shared_ptr<void> records = component.load(dir.path());
-                load.push_back(timer.nsecsElapsed() / 1e6);
+                load.push_back(watch.cpuMs());
+                ran.push_back(load.back() / watch.wallMs());
                 if (!records) std::exit(1);
                 records.reset();
-                timer.start();
+                watch.start();
                 if (!parseFloor(list)) std::exit(1);
-                floor.push_back(timer.nsecsElapsed() / 1e6);
+                floor.push_back(watch.cpuMs());
+                ran.push_back(floor.back() / watch.wallMs());
                 ratio.push_back(load.back() / floor.back());
-                timer.start();
+                watch.start();
                 if (!parseOwn(list)) std::exit(1);
-                parse.push_back(timer.nsecsElapsed() / 1e6 / floor.back());
+                parse.push_back(watch.cpuMs() / floor.back());
                 walk.push_back(ratio.back() - parse.back());
             }
-            std::printf("%-20s %5d %7d %11.2f %11.2f %7.3f %7.3f %7.3f\n", component.name, scale,
+            std::printf("%-20s %5d %7d %11.2f %11.2f %7.3f %7.3f %7.3f %5.2f\n", component.name, scale,
                         int(list.size()), median(load), median(floor), median(ratio), median(parse),
-                        median(walk));
+                        median(walk), median(ran));
         }
     }
     // The growth from pairs of loads taken one right after the other, so that
@@ -284,13 +313,12 @@ void benchScaled() {
     for (const Component& component : components) {
         std::vector<double> growth;
         for (int run = 0; run < std::max(3, g_runs / 2); ++run) {
-            QElapsedTimer timer;
-            timer.start();
+            Stopwatch watch;
             std::shared_ptr<void> small = component.load(trees[1].path());
-            const double ten = double(timer.nsecsElapsed());
-            timer.start();
+            const double ten = watch.cpuMs();
+            watch.start();
             std::shared_ptr<void> large = component.load(trees[2].path());
-            growth.push_back(double(timer.nsecsElapsed()) / ten);
+            growth.push_back(watch.cpuMs() / ten);
         }
         std::printf("  %s %.2fx", component.name, median(growth));
     }

@@ -308,8 +308,8 @@ bool ConnectorConfigManager::readConfig(const QString& path, QString& error) {
     const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!prepareDirectory(path, loader, error)) return false;
 
+    QDomDocument doc; // one for every file: it is let go as the next file is parsed
     for (const QString& filePath : facts::connectorFiles(path)) {
-        QDomDocument doc;
         if (!parseDocumentFile(filePath, loader, doc, error) || !checkDocumentRoot(doc, loader, error))
             return false; // what earlier files brought stays loaded
 

@@ -316,8 +316,8 @@ SubcardConfigManager::~SubcardConfigManager() = default;
 bool SubcardConfigManager::readConfig(const QString& path, QString& error) {
     const Loader loader{kDeviceFile, kTrContext, LCD_LOG_SITE};
     if (!prepareDirectory(path, loader, error)) return false;
+    QDomDocument doc; // one for every file: it is let go as the next file is parsed
     for (const QString& file : facts::catalogueFiles(path)) {
-        QDomDocument doc;
         if (!parseDocumentFile(file, loader, doc, error) || !checkDocumentRoot(doc, loader, error))
             return false;
         if (!readCatalogueFile(doc.documentElement(), m_subcards, error, loader)) return false;

@@ -12,6 +12,10 @@
 #include <QtCore/QTextCodec>
 #endif
 #include <QtCore/QXmlStreamReader>
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+#include <QtXml/QXmlInputSource>
+#include <QtXml/QXmlSimpleReader>
+#endif
 
 #include <cerrno>
 #include <cstring>
@@ -364,20 +368,31 @@ QString Loader::invalidNode(const QString& tag) const {
     return text("Invalid [%1] node.").arg(tag);
 }
 
-bool checkLimits(const QByteArray& data, const DocumentLimits& limits, LimitViolation* where,
-                 DocumentShape* shape) {
+namespace {
+
+// checkLimits, telling also whether the document has a DOCTYPE.
+bool withinLimits(const QByteArray& data, const DocumentLimits& limits, LimitViolation* where,
+                  DocumentShape* shape, bool* doctype) {
     DocumentShape counted;
     if (!shape) shape = &counted;
     *shape = DocumentShape();
+    *doctype = false;
     if (data.size() > kMaxDocumentSize) {
         if (where) *where = {0, 0, tooLargeMessage()};
         return false;
     }
     QByteArray utf8;
     const bool decoded = decodeToUtf8(encodingToDecode(data), data, &utf8);
+    if (!scanBytes(decoded ? utf8 : data, limits, where, shape, doctype)) return false;
+    return (*doctype || decoded) ? readWithStreamReader(data, limits, where) : true;
+}
+
+} // namespace
+
+bool checkLimits(const QByteArray& data, const DocumentLimits& limits, LimitViolation* where,
+                 DocumentShape* shape) {
     bool doctype = false;
-    if (!scanBytes(decoded ? utf8 : data, limits, where, shape, &doctype)) return false;
-    return (doctype || decoded) ? readWithStreamReader(data, limits, where) : true;
+    return withinLimits(data, limits, where, shape, &doctype);
 }
 
 namespace {
@@ -410,13 +425,80 @@ QString utf8Text(const QByteArray& data) {
     const QString text = utf8->toUnicode(data.constData(), data.size(), &state);
     return state.invalidChars == 0 && state.remainingChars == 0 ? text : QString();
 }
+
+// Whether every reference in `data` is a character reference or one of the
+// five predefined entities: in a document without a DOCTYPE nothing else is
+// declared, and the parser would skip the others.
+bool onlyPredefinedReferences(const QByteArray& data) {
+    const char* p = data.constData();
+    const char* const end = p + data.size();
+    while ((p = static_cast<const char*>(std::memchr(p, '&', size_t(end - p))))) {
+        ++p;
+        if (p < end && *p == '#') continue;
+        bool known = false;
+        for (const char* name : {"amp;", "lt;", "gt;", "apos;", "quot;"}) {
+            const size_t n = std::strlen(name);
+            if (size_t(end - p) >= n && std::memcmp(p, name, n) == 0) known = true;
+        }
+        if (!known) return false;
+    }
+    return true;
+}
 #endif
 
-// The DOM of `data`, namespace processing on.
-bool build(const QByteArray& data, QDomDocument& doc, QString* message, int* line, int* column) {
+} // namespace
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+// Qt 5's parser set up as QDomDocument sets up its own for namespace
+// processing, and the input it reads from.
+struct DocumentParser {
+    QXmlSimpleReader reader;
+    QXmlInputSource source;
+    DocumentParser() {
+        reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespaces"), true);
+        reader.setFeature(QStringLiteral("http://xml.org/sax/features/namespace-prefixes"), false);
+        reader.setFeature(QStringLiteral("http://trolltech.com/xml/features/report-whitespace-only-CharData"),
+                          false);
+    }
+};
+QT_WARNING_POP
+#endif
+
+namespace {
+
+// The DOM of `data`, namespace processing on. `doc` is let go only here,
+// after the file's buffers were allocated: the new document's nodes then
+// take the blocks the previous one freed as they are, where a large
+// allocation in between would first have the allocator merge them all.
+// That is also why the loader keeps its parser between files: making one
+// is such an allocation. A skipped entity would be treated differently by
+// the kept parser (it is not told the parser's context), so a document with a
+// DOCTYPE or a reference to anything but a predefined entity gets a fresh one.
+bool build(const QByteArray& data, bool doctype, const Loader& loader, QDomDocument& doc, QString* message,
+           int* line, int* column) {
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     const QString text = utf8Text(data);
+    if (!text.isNull() && !doctype && onlyPredefinedReferences(data)) {
+        if (!loader.parser) loader.parser = std::make_shared<DocumentParser>();
+        DocumentParser& parser = *loader.parser;
+        parser.source.setData(text);
+        doc = QDomDocument();
+        QT_WARNING_PUSH
+        QT_WARNING_DISABLE_DEPRECATED
+        const bool ok = doc.setContent(&parser.source, &parser.reader, message, line, column);
+        QT_WARNING_POP
+        parser.source.setData(QString());
+        if (!ok) loader.parser.reset(); // a failed parse may leave state behind
+        return ok;
+    }
+    doc = QDomDocument();
     if (!text.isNull()) return doc.setContent(text, true, message, line, column);
+#else
+    Q_UNUSED(doctype)
+    Q_UNUSED(loader)
+    doc = QDomDocument();
 #endif
     return doc.setContent(data, true, message, line, column);
 }
@@ -427,18 +509,20 @@ bool parse(const QByteArray& data, const Loader& loader, QDomDocument& doc, QStr
            int& column) {
     LimitViolation where;
     QString message;
+    bool doctype = false;
     try {
-        if (!checkLimits(data, DocumentLimits(), &where)) {
+        if (!withinLimits(data, DocumentLimits(), &where, nullptr, &doctype)) {
             line = where.line;
             column = where.column;
             message = where.reason;
-        } else if (build(data, doc, &message, &line, &column)) {
+        } else if (build(data, doctype, loader, doc, &message, &line, &column)) {
             return true;
         }
     } catch (const std::bad_alloc&) {
         // The parser's partial tree is freed as far as it can be; the next
         // load starts afresh.
         doc.clear();
+        loader.parser.reset();
         line = 0;
         column = 0;
         message = QString::fromLatin1(kOutOfMemory);
@@ -597,6 +681,7 @@ bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& 
         ok = parse(data, loader, doc, error, line, column);
         break;
     }
+    if (!ok) doc = QDomDocument(); // a failed file leaves no document, not even the previous one
     reportParsed(path, ok, error, line, column, doc, failure);
     if (!ok && read == ReadResult::Ok) reportUnclosed(data, error);
     return ok;

@@ -8,6 +8,8 @@
 #include <QtCore/QString>
 #include <QtXml/QDomDocument>
 
+#include <memory>
+
 #include "lcdconfigmodel/export.h"
 
 namespace LCD {
@@ -44,10 +46,14 @@ LCD_CONFIGMODEL_EXPORT extern const DocumentFamily kHdrFile;    // UI texts, roo
 // same way, where it reports from: Loader{kDeviceFile, kTrContext, LCD_LOG_SITE},
 // with its file's kTrContext (the class name, or "QObject" for a class that is
 // no Qt object), or nullptr for a family whose texts are never translated.
+struct DocumentParser;
 struct LCD_CONFIGMODEL_EXPORT Loader {
     const DocumentFamily& family;
     const char* trContext;
     LogSite site;
+    // The parser kept between the files this loader reads (made with the
+    // first one that needs it).
+    mutable std::shared_ptr<DocumentParser> parser = nullptr;
 
     // A family text, translated when the family says so.
     QString text(const char* source) const;
@@ -107,6 +113,9 @@ LCD_CONFIGMODEL_EXPORT bool loadDocument(const QString& path, const Loader& load
 
 // Open and parse only (no path or root check), as a directory scan does. A
 // FIFO, device, socket or directory gives the open-failure text at once.
+// A scan passes the same `doc` for every file: the document it held is let
+// go once the next file is read (its memory then goes straight to the new
+// one), and after a failure `doc` is empty.
 LCD_CONFIGMODEL_EXPORT bool parseDocumentFile(const QString& path, const Loader& loader, QDomDocument& doc,
                                               QString& error);
 

@@ -48,8 +48,10 @@ bool readPart(bool (Parser::*parse)(const QDomDocument&, QString&, Record&), con
 
 // Reads the files of one model directory into `device`, each file parsed once
 // and handed to the parsers its name asks for. A file that cannot be opened
-// or parsed leaves its reason in `error` and is skipped.
-void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QString& error) {
+// or parsed leaves its reason in `error` and is skipped. Every file is parsed
+// into `doc`, which the registry passes for all its files.
+void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QDomDocument& doc,
+                    QString& error) {
     // Every visible entry named "*.xml" in any case, in directory order (what
     // QDir's "*.xml" filter keeps, without its wildcard expression).
     // Names that cannot be decoded are read too, and fail with their path.
@@ -61,7 +63,6 @@ void readModelFiles(const QDir& dir, s_Device& device, const Loader& loader, QSt
     for (const QString& file : files) {
         const QString name = QFileInfo(file).fileName();
         if (!name.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive)) continue;
-        QDomDocument doc;
         if (!parseDocumentFile(file, loader, doc, error)) continue;
 
         const unsigned kind = facts::fileKind(name);
@@ -130,6 +131,7 @@ bool DeviceTessanConfigManager::readConfig(const QString& path, QString& error) 
 
     const QFileInfoList modelDirs =
         QDir(path).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    QDomDocument doc; // one for every file: it is let go as the next file is parsed
     for (const QFileInfo& modelDir : modelDirs) {
         bool isNumber = false;
         const int modelId = facts::modelOfFolder(modelDir, &isNumber);
@@ -142,7 +144,7 @@ bool DeviceTessanConfigManager::readConfig(const QString& path, QString& error) 
         m_devices.append(s_Device{});
         s_Device& device = m_devices.last();
         device.modelId = modelId;
-        readModelFiles(QDir(modelDir.filePath()), device, loader, error);
+        readModelFiles(QDir(modelDir.filePath()), device, loader, doc, error);
     }
     return true;
 }

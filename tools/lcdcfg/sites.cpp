@@ -23,58 +23,55 @@ QHash<QString, int> Trace::connectorDocuments() const {
 }
 
 const Site* Trace::record(const RecordPath& path) const {
-    QVector<int> place;
+    int place = -1;
     for (const Step& step : path)
-        place << int(step.kind) << step.index << step.key;
-    const auto it = m_records.constFind(place);
-    return it == m_records.constEnd() || m_sites[*it].document.isEmpty() ? nullptr : &m_sites[*it];
+        if ((place = m_places.find({place, int(step.kind), step.index, step.key})) < 0) return nullptr;
+    const int at = place < 0 ? -1 : m_placeSites[place];
+    return at < 0 || entry(at).site.document.isEmpty() ? nullptr : &entry(at).site;
+}
+
+int Trace::entryAt(const QString& document, int line, int column) const {
+    const int number = m_documentNumbers.value(document, -1);
+    return number < 0 ? -1 : m_index.find({number, line, column});
 }
 
 const AttributeTrace* Trace::readAt(const Site* site, const QString& name) const {
-    const DocumentTrace* d = site ? document(site->document) : nullptr;
-    const auto it = d ? d->elements.constFind({site->line, site->column})
-                      : QHash<Position, ElementTrace>::const_iterator();
-    return d && it != d->elements.constEnd() ? it->read(name) : nullptr;
+    if (!site) return nullptr;
+    const int at = site->values.m_trace == this ? site->values.m_entry
+                                                : entryAt(site->document, site->line, site->column);
+    return at >= 0 && entry(at).isTrace ? entry(at).trace.read(name) : nullptr;
 }
 
 QVector<QPair<const Site*, const Site*>> Trace::options() const {
     QVector<QPair<const Site*, const Site*>> options;
     for (const auto& option : m_options)
-        options.push_back({&m_sites[option.first], &m_sites[option.second]});
+        options.push_back({&entry(option.first).site, &entry(option.second).site});
     return options;
 }
 
 QVector<const Site*> Trace::records(RecordKind kind) const {
     QVector<const Site*> sites;
     for (const auto& started : m_started)
-        if (started.first == kind) sites << &m_sites[started.second];
+        if (started.first == kind) sites << &entry(started.second).site;
     return sites;
 }
 
-Site& Trace::siteOf(const QDomElement& element) {
-    const auto inserted = m_index.emplace(keyOf(element), m_sites.size());
-    if (!inserted.second) return m_sites[inserted.first->second];
-    m_documentsRead.insert(m_path);
-    m_tags[element.tagName()] << m_sites.size();
-    m_sites.push_back({m_path, element.tagName(), element.lineNumber(), element.columnNumber(), {}});
-    return m_sites.last();
-}
-
 const Site* Trace::siteAt(const QString& document, int line, int column) const {
-    const auto number = m_documentNumbers.constFind(document);
-    if (number == m_documentNumbers.constEnd()) return nullptr;
-    const auto it = m_index.find({*number, line, column});
-    return it == m_index.end() ? nullptr : &m_sites[it->second];
+    const int at = entryAt(document, line, column);
+    return at >= 0 && entry(at).isSite ? &entry(at).site : nullptr;
 }
 
 QVector<const Site*> Trace::find(const std::function<bool(const QString&)>& document, const QString& tag,
                                  Match values) const {
     QVector<const Site*> hits;
-    static const QVector<int> none;
-    const auto of = m_tags.constFind(tag); // the sites of that tag
-    const QVector<int>* tagged = tag.isEmpty() ? nullptr : of == m_tags.constEnd() ? &none : &*of;
-    for (int i = 0, n = tagged ? int(tagged->size()) : int(m_sites.size()); i < n; ++i) {
-        const Site& site = m_sites[tagged ? tagged->at(i) : i];
+    const QVector<int>* sites = &m_sites;
+    if (!tag.isEmpty()) { // the sites of that tag
+        const int number = m_tagNumbers.value(tag, -1);
+        if (number < 0) return hits;
+        sites = &m_tagged[number];
+    }
+    for (int i : *sites) {
+        const Site& site = entry(i).site;
         if (!document(site.document)) continue;
         bool all = true;
         for (const auto& value : values)
@@ -92,11 +89,9 @@ const Missing* Trace::lastMissing(const QString& document, const QString& name) 
 }
 
 bool Trace::found(const QString& document, int line, int column) const {
-    for (const DocumentTrace& d : m_documents) {
-        if (d.path != document) continue;
-        const auto it = d.elements.constFind({line, column});
-        if (it != d.elements.constEnd() && it->found) return true;
-    }
+    for (const DocumentTrace& d : m_documents)
+        if (d.path == document)
+            if (const ElementTrace* t = d.elements.find({line, column}); t && t->found) return true;
     return false;
 }
 
