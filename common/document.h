@@ -104,7 +104,8 @@ struct DocumentLimits {
 };
 
 // Full single-file load: path check, open, limits, parse (namespace
-// processing on), root name, optional "version" equal to "1.0". Returns false
+// processing on, in effect: a document without a prefix or a namespace
+// declaration gets the same tree without it), root name, optional "version" equal to "1.0". Returns false
 // with `error` overwritten at the first failure; `error` is untouched on
 // success. Running out of memory while reading or parsing is a failure too,
 // in the parse-error form at line 0, column 0; nothing is thrown.
@@ -138,6 +139,7 @@ struct DocumentShape {
     int elements = 0;              // start tags
     int attributes = 0;            // most attributes on one element
     int namespaceDeclarations = 0; // in the whole file
+    int prefixedNames = 0;         // element, attribute and declaration names holding ':'
 };
 
 // Where and why a document breaks a limit (or cannot be read at all).

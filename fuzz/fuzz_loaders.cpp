@@ -94,8 +94,9 @@ struct Workspace {
     }
 };
 
-// Depth, elements and most attributes on one element of a DOM tree, walked
-// without recursion.
+// Depth, elements, most attributes on one element and names that a parse
+// without namespace processing leaves with a prefix (or as a declaration) of
+// a DOM tree, walked without recursion.
 DocumentShape shapeOf(const QDomDocument& doc) {
     DocumentShape shape;
     int depth = 1;
@@ -103,7 +104,13 @@ DocumentShape shapeOf(const QDomDocument& doc) {
     while (!e.isNull()) {
         shape.depth = std::max(shape.depth, depth);
         ++shape.elements;
-        shape.attributes = std::max(shape.attributes, e.attributes().count());
+        const QDomNamedNodeMap attributes = e.attributes();
+        shape.attributes = std::max(shape.attributes, attributes.count());
+        shape.prefixedNames += e.tagName().contains(QLatin1Char(':'));
+        for (int i = 0; i < attributes.count(); ++i) {
+            const QString name = attributes.item(i).nodeName();
+            shape.prefixedNames += name.contains(QLatin1Char(':')) || name == QLatin1String("xmlns");
+        }
         if (!e.firstChildElement().isNull()) {
             e = e.firstChildElement();
             ++depth;
@@ -148,6 +155,14 @@ void checkScanSeesTree(const QByteArray& bytes, const QDomDocument& doc) {
                          c.count - 1, c.what, c.count);
             std::abort();
         }
+    }
+    // A document the scan finds no prefix and no declaration in is parsed
+    // without namespace processing: a name it missed would show in the tree.
+    DocumentShape scanned;
+    if (tree.prefixedNames > 0 && checkLimits(bytes, limits, nullptr, &scanned) &&
+        scanned.prefixedNames == 0 && scanned.namespaceDeclarations == 0) {
+        std::fprintf(stderr, "prefix missed: the parsed tree has %d names with one\n", tree.prefixedNames);
+        std::abort();
     }
 }
 

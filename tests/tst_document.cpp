@@ -161,8 +161,8 @@ private Q_SLOTS:
             << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-7\"?><a>+ADw-b c=+ACI-1+ACI-/+AD4-</a>");
         QTest::newRow("utf-8 text") << QByteArray("<a><b>\xe4\xb8\xad\xe6\x96\x87</b></a>");
         QTest::newRow("multi-line tags") << QByteArray("<a\n  x=\"1\"\n><b\n  y = 'z' w=\"v\"/></a>");
-        QTest::newRow("namespace declarations") << QByteArray(
-            "<a xmlns=\"urn:a\" xmlns:p=\"urn:p\" xmlnsx=\"1\"><p:b xmlns:q=\"urn:q\" p:c=\"1\"/></a>");
+        QTest::newRow("namespace declarations and prefixes") << QByteArray(
+            "<a xmlns=\"urn:a\" xmlns:p=\"urn:p\" xmlnsx=\"1\"><p:b xmlns:q=\"urn:q\" p:c=\"1\"/><p:d/></a>");
         const QString text = "<a x=\"1\" xmlns:p=\"urn:p\"><b y=\"2\"/><b/></a>";
         QByteArray utf16("\xFF\xFE", 2);
         utf16.append(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
@@ -182,13 +182,19 @@ private Q_SLOTS:
             const int declarations = reader.namespaceDeclarations().size();
             read.attributes = qMax(read.attributes, reader.attributes().size() + declarations);
             read.namespaceDeclarations += declarations;
+            read.prefixedNames += reader.qualifiedName().contains(':');
+            for (const QXmlStreamAttribute& a : reader.attributes())
+                read.prefixedNames += a.qualifiedName().contains(':');
+            for (const QXmlStreamNamespaceDeclaration& d : reader.namespaceDeclarations())
+                read.prefixedNames += !d.prefix().isEmpty();
         }
         QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
         DocumentShape scanned;
         QVERIFY(checkLimits(xml, DocumentLimits(), nullptr, &scanned));
-        QCOMPARE(QVector<int>(
-                     {scanned.depth, scanned.elements, scanned.attributes, scanned.namespaceDeclarations}),
-                 QVector<int>({read.depth, read.elements, read.attributes, read.namespaceDeclarations}));
+        QCOMPARE(QVector<int>({scanned.depth, scanned.elements, scanned.attributes,
+                               scanned.namespaceDeclarations, scanned.prefixedNames}),
+                 QVector<int>({read.depth, read.elements, read.attributes, read.namespaceDeclarations,
+                               read.prefixedNames}));
         // Each limit holds at the count and fails one below it.
         const DocumentLimits at{read.depth, read.elements, read.attributes, read.namespaceDeclarations};
         QVERIFY(checkLimits(xml, at, nullptr));
@@ -341,10 +347,12 @@ private Q_SLOTS:
     // What the parser makes of a file's bytes, one row per trap: what Qt 6's
     // parser does differently (docs/api.md, "Qt 6") and how Qt 5's decodes
     // them, which the loader may do for it only where the text comes out the
-    // same, and whichever documents the loader read before. Qt 5's result,
-    // then Qt 6's. A result is the parse error, or "ok" with the root's
-    // attribute a and text, percent-encoded, where its first child element
-    // ends its start tag and its namespace, and the entity references kept.
+    // same, which documents it may parse without namespace processing, and
+    // whichever documents the loader read before. Qt 5's result, then Qt 6's.
+    // A result is the parse error, or "ok" with the root's attribute a and
+    // text, percent-encoded, where its first child element ends its start tag
+    // and its namespace, the root's attribute count when above one, and the
+    // entity references kept.
     void qtParserDifferences_data() {
         QTest::addColumn<QByteArray>("xml");
         QTest::addColumn<QString>("qt5");
@@ -363,6 +371,10 @@ private Q_SLOTS:
             error(1, 10, "Extra content at end of document."));
         row("refused: repeated attribute", "<Vrn a=\"1\" a=\"2\"/>",
             "ok a=2 text=", error(1, 18, "Attribute 'a' redefined."));
+        row("namespaces: a declared prefix", "<Vrn xmlns:p=\"urn:p\" p:a=\"2\"><p:A/></Vrn>",
+            "ok a=2 text= child=1:34 ns=urn:p", "ok a=2 text= child=1:35 ns=urn:p");
+        row("namespaces: the default namespace", "<Vrn xmlns=\"urn:v\" b=\"1\"><A/></Vrn>",
+            "ok a= text= child=1:28 ns=urn:v", "ok a= text= child=1:29 ns=urn:v");
         row("refused: undeclared prefix", "<Vrn><x:A/></Vrn>", "ok a= text= child=1:10",
             error(1, 11, "Namespace prefix 'x' not declared"));
         row("refused: undeclared entity", "<Vrn>&foo;</Vrn>", "ok a= text= entity=foo",
@@ -419,6 +431,8 @@ private Q_SLOTS:
             if (!child.isNull())
                 result += QStringLiteral(" child=%1:%2").arg(child.lineNumber()).arg(child.columnNumber());
             if (!child.namespaceURI().isEmpty()) result += " ns=" + child.namespaceURI();
+            if (root.attributes().count() > 1)
+                result += QStringLiteral(" attributes=%1").arg(root.attributes().count());
             for (const QDomNode& parent : {QDomNode(doc), QDomNode(root)}) {
                 for (QDomNode n = parent.firstChild(); !n.isNull(); n = n.nextSibling()) {
                     if (n.isEntityReference()) result += " entity=" + n.nodeName();
