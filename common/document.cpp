@@ -112,8 +112,7 @@ struct Tag {
 
 // Past the '>' that closes a start tag (from just after its '<'), counting
 // its attributes (one per quoted value), namespace declarations and names
-// with a prefix. Stops
-// early, at the end, once the attributes exceed `most`.
+// holding ':'. Stops early, at the end, once the attributes exceed `most`.
 const char* scanTag(const char* p, const char* end, int most, Tag* tag) {
     const char* token = nullptr; // the name being read
     const char* name = nullptr;  // the last complete name
@@ -489,9 +488,10 @@ namespace {
 // DOCTYPE or a reference to anything but a predefined entity gets a fresh one.
 // A document the scan found no prefix and no namespace declaration in is
 // parsed without namespace processing: its tree is the same (every name is
-// local, every namespace null), and QDom then looks an attribute up by its
-// name instead of comparing it with each one before it, the parser checks
-// no prefix, and a parse costs a seventh less.
+// local, every namespace null; only localName() and a repeated attribute
+// differ, docs/hardening.md), QDom then looks an attribute up by its name
+// instead of comparing it with each one before it, the parser resolves no
+// names, and a parse costs a seventh less.
 bool build(const QByteArray& data, bool doctype, const DocumentShape& shape, const Loader& loader,
            QDomDocument& doc, QString* message, int* line, int* column) {
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)

@@ -104,10 +104,10 @@ struct DocumentLimits {
 };
 
 // Full single-file load: path check, open, limits, parse (namespace
-// processing on, in effect: a document without a prefix or a namespace
-// declaration gets the same tree without it), root name, optional "version" equal to "1.0". Returns false
-// with `error` overwritten at the first failure; `error` is untouched on
-// success. Running out of memory while reading or parsing is a failure too,
+// processing on; a document without a prefix or a namespace declaration
+// gets the same tree without it), root name, optional "version" equal to
+// "1.0". Returns false with `error` overwritten at the first failure; `error`
+// is untouched on success. Running out of memory while reading or parsing is a failure too,
 // in the parse-error form at line 0, column 0; nothing is thrown.
 LCD_CONFIGMODEL_EXPORT bool loadDocument(const QString& path, const Loader& loader, QDomDocument& doc,
                                          QString& error);
