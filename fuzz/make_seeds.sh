@@ -100,7 +100,7 @@ printf '<!DOCTYPE Vrn [<!ATTLIST Device Id CDATA "1">]><Vrn><Device/></Vrn>' | s
     grep -rhoE ' [A-Za-z_][A-Za-z0-9_.-]*="' "$config" | sed 's/^ //' | sort -u | sed 's/"$/\\"/;s/.*/"&"/'
     printf '%s\n' '"version=\"1.0\""' '"<!DOCTYPE"' '"<!ENTITY"' '"<![CDATA["' '"-->"' '"&amp;"'
     # What the scan before the parse must read as the parser does (common/document.cpp).
-    printf '%s\n' '"&#x1F600;"' '"&#1;"' '"\x0D"' '"\x09"' '"<?xml "' '"?>"' '"]]>"' '"xmlns:p=\"u\""' '"p:"' \
+    printf '%s\n' '"&#x1F600;"' '"&#1;"' '"\x0D"' '"\x09"' '"<?xml "' '"?>"' '"]]>"' '"xmlns:p=\"u\""' '"xmlns=\"u\""' '"p:"' \
         '"\xC2\xB7"' '"encoding=\"UTF-8\""'
 } >"$here/loaders.dict"
 
